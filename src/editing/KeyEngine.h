@@ -63,6 +63,10 @@ public:
     virtual void sendShiftTab() = 0;
     // Drops the lookup list down.
     virtual void dropDown() = 0;
+    // A complete value pasted whole (a date such as 24.12.2005 or 2005-12-24, a number
+    // such as "1 234,50"): the edited text it stands for in this field, or a null
+    // QString when the text is not such a value for the field's input type.
+    virtual QString wholeValueText(const QString &pasted) = 0;
     // The keyboard's Insert toggle, shared by every field.
     virtual bool insertToggled() const = 0;
     virtual void setInsertToggled(bool on) = 0;
@@ -113,7 +117,6 @@ public:
     qint16 selAnchor() const { return m_selAnchor; }
 
 private:
-    // (private helpers are declared in KeyEngine.cpp's implementation section)
     struct Snapshot
     {
         QString text;
