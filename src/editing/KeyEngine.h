@@ -123,6 +123,72 @@ private:
         int selStart = 0;
         int selLength = 0;
     };
+    // Records one edit of the field for undo: the outermost scope compares the text
+    // before and after.
+    struct EditScope
+    {
+        explicit EditScope(KeyEngine &engine) : engine(engine) { engine.beginEdit(); }
+        ~EditScope() { engine.endEdit(); }
+        EditScope(const EditScope &) = delete;
+        EditScope &operator=(const EditScope &) = delete;
+        KeyEngine &engine;
+    };
+    struct NumPlaces
+    {
+        int integer = 0;
+        int decimal = 0;
+    };
+
+    // Key dispatch and caret (KeyDispatch.cpp)
+    void dispatchKeyDown(int &keyCode, int &shift);
+    void finishKey();
+    void doArrowAction(int &keyCode, int &shift);
+    void doEnterAction(int &keyCode);
+    void showOverwriteCaret();
+    void deleteSelection();
+    bool realSelection() const;
+    bool changeable() const;
+    int textLength() const;
+    static int takeKey(int *keyObject, int plainKey);
+    // Runs the entry rule of the input type; false when the rule refused the key.
+    bool entryRule(int *keyObject, int plainKey);
+    // Services that a paste holds back until it knows whether it stands.
+    void warningBeep();
+    void reportError(int number, int value);
+    void sendTab();
+
+    // Numeric entry (NumericEntry.cpp)
+    bool numKeyPress(int *keyObject, int plainKey);
+    void numKeyDown(int &keyCode);
+    NumPlaces numPlaces(const QString &candidate) const;
+    bool numFull(NumPlaces places) const;
+    int checkNumDigits(const QString &candidate);
+    bool decimalSeparatorAllowed() const;
+
+    // Date entry (DateEntry.cpp)
+    bool dateKeyPress(int *keyObject, int plainKey);
+    void dateKeyDown(int &keyCode);
+    void skipDateSeparator(int direction);
+    bool dateTextValid(const QString &candidate) const;
+    bool checkDateText(const QString &candidate);
+    void dateAutoTab();
+
+    // Alphanumeric and boolean entry (TextEntry.cpp)
+    bool alfaNumKeyPress(int *keyObject, int plainKey);
+    void alfaNumKeyDown(int &keyCode);
+    bool boolKeyPress(int *keyObject, int plainKey);
+    void boolKeyDown(int &keyCode);
+
+    // Cut and paste (Clipboard.cpp)
+    bool wholeValueFits(const QString &value) const;
+    void pasteCharacters(const QString &text);
+
+    // Edit history (History.cpp)
+    Snapshot current() const;
+    void restore(const Snapshot &snapshot);
+    void beginEdit();
+    void endEdit();
+    void moveHistory(std::vector<Snapshot> &from, std::vector<Snapshot> &to);
 
     EditHost &m_host;
     EditBox &m_box;
@@ -130,6 +196,11 @@ private:
     qint16 m_selAnchor = 0;
     std::vector<Snapshot> m_undo;
     std::vector<Snapshot> m_redo;
+    Snapshot m_beforeEdit;
+    int m_editDepth = 0;
+    bool m_historyMoved = false;
+    bool m_holdBack = false; // a paste is running: tones, messages and Tab wait
+    bool m_heldTab = false;
 };
 
 } // namespace velmora::detail
