@@ -32,3 +32,8 @@ struct Registrar
 #define VELMORA_TEST(Class)                                                                        \
     static velmora::test::Registrar registrar_##Class(                                             \
         #Class, [] { return std::unique_ptr<QObject>(new Class); });
+
+#include <QtTest/QTest>
+
+// QFETCH as an expression: the current row's value of a column.
+#define VFETCH(Type, name) (*static_cast<Type *>(QTest::qData(#name, ::qMetaTypeId<Type>())))

@@ -1,0 +1,38 @@
+# Entry points. Each target installs what is missing (Debian packages, as root) first.
+BUILD      ?= build
+ASAN_BUILD ?= build-asan
+FUZZ_BUILD ?= build-fuzz
+JOBS       ?= $(shell nproc)
+CMAKE_GEN  := -G Ninja
+
+.PHONY: all deps build test demo bench fuzz format clean
+
+all: build
+
+deps:
+	@bash scripts/install-deps.sh
+
+build: deps
+	cmake -S . -B $(BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(BUILD) -j $(JOBS)
+
+# Every test, under two locales, then once more built with ASan/UBSan.
+test: deps
+	@bash scripts/run-tests.sh
+
+demo: build
+	@bash scripts/run-demo.sh $(BUILD)
+
+bench: deps
+	cmake -S . -B $(BUILD)-bench $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DVELMORA_BUILD_TESTS=OFF -DVELMORA_BUILD_BENCH=ON
+	cmake --build $(BUILD)-bench -j $(JOBS)
+	QT_QPA_PLATFORM=offscreen $(BUILD)-bench/bench/bench_keys
+
+fuzz: deps
+	@bash scripts/run-fuzz.sh $(FUZZ_BUILD)
+
+format:
+	clang-format -i $$(git ls-files '*.h' '*.cpp')
+
+clean:
+	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) $(BUILD)-bench
