@@ -1,0 +1,26 @@
+#pragma once
+
+// Compact Qt Test tables: columns<T...>({names}) declares the columns of a table and
+// row(name, values...) adds a named row. The values must have the column types
+// exactly (5.0 for a double column, u"..."_s for a QString one).
+
+#include <QtTest/QTest>
+
+#include <array>
+
+namespace velmora::test {
+
+template<typename... T>
+void columns(const std::array<const char *, sizeof...(T)> &names)
+{
+    size_t i = 0;
+    (QTest::addColumn<T>(names[i++]), ...);
+}
+
+template<typename... V>
+void row(const char *name, const V &...values)
+{
+    (QTest::newRow(name) << ... << values);
+}
+
+} // namespace velmora::test
