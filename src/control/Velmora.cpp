@@ -5,6 +5,7 @@
 
 #include <velmora/Velmora.h>
 
+#include <QtCore/QScopedValueRollback>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QFrame>
@@ -67,6 +68,10 @@ Velmora::Velmora(QWidget *parent) : QWidget(parent), d(std::make_unique<VelmoraP
     d->setupControls();
     Q_EMIT Initialize();
     QObject::connect(d->txtInput, &QLineEdit::textChanged, this, [this] {
+        // While a key is being handled the value follows the box at once, so that a
+        // host reading Value in Change sees the key it was raised for.
+        if (d->inKey)
+            d->mText = d->txtInput->text();
         Q_EMIT Change();
         Q_EMIT PropertyChanged(QStringLiteral("Value"));
     });
@@ -440,6 +445,7 @@ void Velmora::setSelLength(qint16 length)
 void Velmora::DoKeyPress(qint16 &KeyAscii)
 {
     int key = quint16(KeyAscii);
+    const QScopedValueRollback<bool> handling(d->inKey, true);
     d->engine.doKeyPress(key);
     KeyAscii = qint16(key);
 }
@@ -612,6 +618,7 @@ bool Velmora::eventFilter(QObject *watched, QEvent *event)
             return false; // the form's own keys
         int code = legacyKeyCode(*e);
         int shift = legacyShift(e->modifiers());
+        const QScopedValueRollback<bool> handling(d->inKey, true);
         d->engine.keyDown(code, shift);
         if (code == 0)
             return true;
@@ -648,6 +655,7 @@ bool Velmora::eventFilter(QObject *watched, QEvent *event)
             d->inPassThrough = true;
             static_cast<QObject *>(d->txtInput)->event(e);
             d->inPassThrough = false;
+            const QScopedValueRollback<bool> handling(d->inKey, true);
             d->engine.commitText(committed);
             return true;
         }

@@ -83,6 +83,7 @@ public:
     detail::LineEditBox box;
     detail::KeyEngine engine;
     bool inPassThrough = false;
+    bool inKey = false; // a key or committed text is being handled
 
     // --- helpers -------------------------------------------------------------------
     bool runMode() const;
