@@ -21,7 +21,7 @@ bool hasSign(QStringView text)
 
 bool KeyEngine::decimalSeparatorAllowed() const
 {
-    // An empty format sets no limit on the kind of number, only on its places.
+    // A field without a format takes a decimal separator; its places are still checked.
     return m_host.formatStr().isEmpty() || m_host.parsedFormat().decimalDigits > 0;
 }
 

@@ -1,0 +1,64 @@
+// Random key sequences on every kind of field, with a fixed seed so that a failure
+// can be replayed: the seed, the sequence and its operations are printed.
+
+#include "EditFuzz.h"
+#include "common/TestRegistry.h"
+
+#include <QtCore/QElapsedTimer>
+#include <QtTest/QTest>
+
+#include <random>
+
+using namespace velmora::test;
+
+class TestEditFuzz : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void randomSequences();
+};
+
+void TestEditFuzz::randomSequences()
+{
+    const quint32 seed = qEnvironmentVariableIsSet("VELMORA_FUZZ_SEED")
+        ? quint32(qEnvironmentVariableIntValue("VELMORA_FUZZ_SEED"))
+        : 20260517u;
+    constexpr int sequences = 200000;
+    std::mt19937 random(seed);
+    auto pick = [&random](int n) {
+        return int(random() % quint32(n));
+    };
+
+    QElapsedTimer timer;
+    timer.start();
+    qint64 operations = 0;
+    for (int i = 0; i < sequences; ++i) {
+        const QString setup = fuzz::setups().at(pick(int(fuzz::setups().size())));
+        const int initial = pick(8);
+        fuzz::Runner runner(setup, initial, fuzz::randomText(pick));
+        QStringList done;
+        for (int n = 1 + pick(12); n > 0; --n) {
+            const fuzz::Op op = fuzz::randomOp(pick, int(runner.box.text().size()));
+            done << op.describe();
+            const QString broken = runner.apply(op);
+            ++operations;
+            if (!broken.isEmpty()) {
+                const QString report
+                    = QStringLiteral("%1 (seed %2, sequence %3, setup \"%4\", start %5): %6")
+                          .arg(broken)
+                          .arg(seed)
+                          .arg(i)
+                          .arg(setup)
+                          .arg(initial)
+                          .arg(done.join(QLatin1Char(' ')));
+                QFAIL(qPrintable(report));
+            }
+        }
+    }
+    qInfo("%d sequences, %lld operations checked in %lld ms (seed %u)", sequences, operations,
+          timer.elapsed(), seed);
+}
+
+VELMORA_TEST(TestEditFuzz)
+#include "tst_editfuzz.moc"
