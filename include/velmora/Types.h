@@ -7,21 +7,24 @@
 namespace velmora {
 Q_NAMESPACE_EXPORT(VELMORA_EXPORT)
 
+// Every enumeration holds any int: a host may pass a code outside the named ones (a
+// stored form from elsewhere), and the field then documents what it does with it.
+
 // Input type of a field; the values are the character codes of A, N, D and B,
 // the same letters that type the columns of a lookup list.
-enum InpType { itAlfaNum = 65, itNum = 78, itDate = 68, itBool = 66 };
+enum InpType : int { itAlfaNum = 65, itNum = 78, itDate = 68, itBool = 66 };
 Q_ENUM_NS(InpType)
 
-enum AlfaNumTrim { atLeftRight = 0, atLeft = 1, atRight = 2, atNone = 3 };
+enum AlfaNumTrim : int { atLeftRight = 0, atLeft = 1, atRight = 2, atNone = 3 };
 Q_ENUM_NS(AlfaNumTrim)
 
-enum EntAction { eaDefault = 0, eaTab = 1, eaClearRest = 2 };
+enum EntAction : int { eaDefault = 0, eaTab = 1, eaClearRest = 2 };
 Q_ENUM_NS(EntAction)
 
-enum ArrAction { aaNoneTab = 0, aaLeftRightTab = 1, aaUpDownTab = 2, aaAllTab = 3 };
+enum ArrAction : int { aaNoneTab = 0, aaLeftRightTab = 1, aaUpDownTab = 2, aaAllTab = 3 };
 Q_ENUM_NS(ArrAction)
 
-enum DisplMode {
+enum DisplMode : int {
     dmChangeable = 0,
     dmLandable = 1,
     dmVisible = 2,
@@ -30,7 +33,7 @@ enum DisplMode {
 };
 Q_ENUM_NS(DisplMode)
 
-enum SpecialEffectConst {
+enum SpecialEffectConst : int {
     fmSpecialEffectFlat = 0,
     fmSpecialEffectRaised = 1,
     fmSpecialEffectSunken = 2,
@@ -39,10 +42,10 @@ enum SpecialEffectConst {
 };
 Q_ENUM_NS(SpecialEffectConst)
 
-enum ControlLengthConst { clNone = 0, clIntegerPart = 1, clDecimalPart = 2, clBoth = 3 };
+enum ControlLengthConst : int { clNone = 0, clIntegerPart = 1, clDecimalPart = 2, clBoth = 3 };
 Q_ENUM_NS(ControlLengthConst)
 
-enum AlignConst { vbLeftJustify = 1, vbCenter = 2, vbRightJustify = 3 };
+enum AlignConst : int { vbLeftJustify = 1, vbCenter = 2, vbRightJustify = 3 };
 Q_ENUM_NS(AlignConst)
 
 // Colours in the legacy encoding: 0x00BBGGRR, or 0x80000000 + n for system colour n.

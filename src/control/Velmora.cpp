@@ -20,13 +20,6 @@ using namespace detail;
 
 namespace {
 
-constexpr int MaxText = 32767;
-
-QString capped(const QString &text)
-{
-    return text.size() > MaxText ? text.left(MaxText) : text;
-}
-
 // Keys that QLineEdit may handle itself: they move, select or copy, never edit.
 bool leavesTextAlone(const QKeyEvent &e)
 {

@@ -19,13 +19,6 @@ using namespace detail;
 
 namespace {
 
-constexpr int MaxText = 32767;
-
-QString capped(const QString &text)
-{
-    return text.size() > MaxText ? text.left(MaxText) : text;
-}
-
 QString trimBlanks(const QString &s)
 {
     return trimSides(s, atLeftRight);

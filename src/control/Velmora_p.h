@@ -24,6 +24,13 @@ class QFrame;
 
 namespace velmora {
 
+// Positions in a field are 16-bit: texts are cut to 32767 characters where they enter.
+inline QString capped(const QString &text)
+{
+    constexpr int MaxText = 32767;
+    return text.size() > MaxText ? text.left(MaxText) : text;
+}
+
 class VelmoraPrivate final : public detail::EditHost
 {
 public:
