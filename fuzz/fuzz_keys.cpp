@@ -2,7 +2,7 @@
 // then up to 64 keys, characters, pastes, cuts, selections and undo steps. The checks
 // of the seeded fuzz test run after every operation; a broken one aborts.
 
-#include "EditFuzz.h"
+#include "fuzz/EditFuzz.h"
 
 #include <fuzzer/FuzzedDataProvider.h>
 

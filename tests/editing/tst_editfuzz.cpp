@@ -1,8 +1,8 @@
 // Random key sequences on every kind of field, with a fixed seed so that a failure
 // can be replayed: the seed, the sequence and its operations are printed.
 
-#include "EditFuzz.h"
 #include "common/TestRegistry.h"
+#include "fuzz/EditFuzz.h"
 
 #include <QtCore/QElapsedTimer>
 #include <QtTest/QTest>
