@@ -631,7 +631,10 @@ bool Velmora::eventFilter(QObject *watched, QEvent *event)
         d->inPassThrough = false;
         if (d->txtInput->text() != before)
             d->box.setText(before);
-        return true;
+        // A key the box ignored (F1 at design time, say) goes on to the form: Qt gives
+        // it to the box once more (not to this filter), which ignores it again, and then
+        // to the parent.
+        return e->isAccepted();
     }
     case QEvent::KeyRelease: {
         auto *e = static_cast<QKeyEvent *>(event);

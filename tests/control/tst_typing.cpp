@@ -226,6 +226,26 @@ private Q_SLOTS:
         QCOMPARE(field->FormValue(), QString());
     }
 
+    void f1GoesOnToTheFormAtDesignTime()
+    {
+        struct Counter : QObject
+        {
+            int keys = 0;
+            bool eventFilter(QObject *, QEvent *e) override
+            {
+                keys += e->type() == QEvent::KeyPress;
+                return false;
+            }
+        } counter;
+        form->setProperty("UserMode", false);
+        form->installEventFilter(&counter);
+        field->setFocus();
+        QSignalSpy downs(field, &Velmora::KeyDown);
+        QTest::keyClick(box(), Qt::Key_F1);
+        QCOMPARE(downs.size(), 1); // raised once, although the box sees the key twice
+        QCOMPARE(counter.keys, 1);
+    }
+
     void pasteGoesThroughTheRules()
     {
         field->setInputType(itDate);
