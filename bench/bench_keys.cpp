@@ -305,6 +305,21 @@ int main(int argc, char **argv)
     auto *layout = new QVBoxLayout(&form);
     std::vector<Case> cases;
 
+    // One measured case: the widget that takes the focus, the line edit the keys go to,
+    // how to empty it between words and how to read what it shows.
+    auto addCase = [&](const QString &id, const QString &title, QWidget *focusTarget,
+                       QLineEdit *box, std::function<void()> reset, std::function<QString()> shown,
+                       const QStringList &words) {
+        Case c;
+        c.id = id;
+        c.title = title;
+        c.focusTarget = focusTarget;
+        c.box = box;
+        c.reset = std::move(reset);
+        c.shown = std::move(shown);
+        c.words = wordsOf(words);
+        cases.push_back(std::move(c));
+    };
     auto addField = [&](const QString &id, const QString &title, velmora::InpType t,
                         const QString &format, const QStringList &words) {
         auto *f = new velmora::Velmora(&form);
@@ -312,38 +327,17 @@ int main(int argc, char **argv)
         if (!format.isEmpty())
             f->setFormatStr(format);
         layout->addWidget(f);
-        Case c;
-        c.id = id;
-        c.title = title;
-        c.type = id;
-        c.focusTarget = f;
-        c.box = f->findChild<QLineEdit *>(QStringLiteral("txtInput"));
-        c.reset = [f] {
-            f->Clear();
-        };
-        c.shown = [f] {
-            return f->FormValue();
-        };
-        c.words = wordsOf(words);
-        cases.push_back(std::move(c));
+        addCase(
+            id, title, f, f->findChild<QLineEdit *>(QStringLiteral("txtInput")),
+            [f] { f->Clear(); }, [f] { return f->FormValue(); }, words);
+        cases.back().type = id; // the anchors have no type
     };
-    auto addAnchor
-        = [&](const QString &id, const QString &title, QLineEdit *le, const QStringList &words) {
-              layout->addWidget(le);
-              Case c;
-              c.id = id;
-              c.title = title;
-              c.focusTarget = le;
-              c.box = le;
-              c.reset = [le] {
-                  le->clear();
-              };
-              c.shown = [le] {
-                  return le->displayText();
-              };
-              c.words = wordsOf(words);
-              cases.push_back(std::move(c));
-          };
+    auto addAnchor = [&](const QString &id, const QString &title, QLineEdit *le,
+                         const QStringList &words) {
+        layout->addWidget(le);
+        addCase(
+            id, title, le, le, [le] { le->clear(); }, [le] { return le->displayText(); }, words);
+    };
 
     const QStringList numbers = numberWords(rng);
     const QStringList dates = dateWords();

@@ -331,22 +331,29 @@ VELMORA_TEXT_PROPERTY(ListFormatString, mListFormatString)
 VELMORA_TEXT_PROPERTY(HideCol, mHideCol)
 VELMORA_TEXT_PROPERTY(ListNewItemText, mListNewItemText)
 
+// Properties that the layout and the display state read.
+#define VELMORA_LAYOUT_PROPERTY(Type, Name, member)                                                \
+    Type Velmora::Name() const                                                                     \
+    {                                                                                              \
+        return d->member;                                                                          \
+    }                                                                                              \
+    void Velmora::set##Name(Type value)                                                            \
+    {                                                                                              \
+        d->member = value;                                                                         \
+        d->applyDisplayState();                                                                    \
+        d->notify(#Name);                                                                          \
+    }
+
+VELMORA_LAYOUT_PROPERTY(velmora::DisplMode, DisplayMode, mDisplayMode)
+VELMORA_LAYOUT_PROPERTY(bool, VisibleByLbl, mVisibleByLbl)
+VELMORA_LAYOUT_PROPERTY(velmora::AlignConst, Alignment, alignment)
+VELMORA_LAYOUT_PROPERTY(velmora::SpecialEffectConst, SpecialEffect, specialEffect)
+
+#undef VELMORA_LAYOUT_PROPERTY
 #undef VELMORA_PLAIN_PROPERTY
 #undef VELMORA_TEXT_PROPERTY
 
 // --- behaviour -----------------------------------------------------------------------
-
-DisplMode Velmora::DisplayMode() const
-{
-    return d->mDisplayMode;
-}
-
-void Velmora::setDisplayMode(DisplMode mode)
-{
-    d->mDisplayMode = mode;
-    d->applyDisplayState();
-    d->notify("DisplayMode");
-}
 
 bool Velmora::InsMode() const
 {
@@ -357,18 +364,6 @@ void Velmora::setInsMode(bool on)
 {
     d->engine.setInsMode(on);
     d->notify("InsMode");
-}
-
-bool Velmora::VisibleByLbl() const
-{
-    return d->mVisibleByLbl;
-}
-
-void Velmora::setVisibleByLbl(bool on)
-{
-    d->mVisibleByLbl = on;
-    d->applyDisplayState();
-    d->notify("VisibleByLbl");
 }
 
 bool Velmora::SetList() const
@@ -382,30 +377,6 @@ void Velmora::setSetList(bool on)
     d->cmdList->setArrowType(on ? Qt::DownArrow : Qt::NoArrow);
     d->applyDisplayState();
     d->notify("SetList");
-}
-
-AlignConst Velmora::Alignment() const
-{
-    return d->alignment;
-}
-
-void Velmora::setAlignment(AlignConst alignment)
-{
-    d->alignment = alignment;
-    d->applyDisplayState();
-    d->notify("Alignment");
-}
-
-SpecialEffectConst Velmora::SpecialEffect() const
-{
-    return d->specialEffect;
-}
-
-void Velmora::setSpecialEffect(SpecialEffectConst effect)
-{
-    d->specialEffect = effect;
-    d->applyDisplayState();
-    d->notify("SpecialEffect");
 }
 
 // --- editing -------------------------------------------------------------------------

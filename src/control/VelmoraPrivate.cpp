@@ -581,23 +581,7 @@ void VelmoraPrivate::dropDown()
 
 QString VelmoraPrivate::wholeValueText(const QString &pasted)
 {
-    const RegionalSettings rs = regional();
-    const QString t = pasted.trimmed();
-    if (mInputType == itDate) {
-        const auto date = toDate(t, rs);
-        return date ? dateLayoutText(*date, pf, 0) : QString();
-    }
-    if (mInputType == itNum) {
-        const auto n = toNumber(t, rs);
-        if (!n)
-            return QString();
-        // The edited form: no grouping, the field's own decimal separator.
-        QString plain = plainNumber(*n);
-        if (!pf.decimalSeparator.isNull())
-            plain.replace(QLatin1Char('.'), pf.decimalSeparator);
-        return plain;
-    }
-    return QString();
+    return detail::wholeValueText(mInputType, pasted, pf, regional());
 }
 
 } // namespace velmora

@@ -319,6 +319,38 @@ std::optional<QString> completeDate(const QString &text, const ValueFormat &vf, 
     return out;
 }
 
+QString wholeValueText(int type, const QString &pasted, const ParsedFormat &pf,
+                       const RegionalSettings &rs)
+{
+    const QString t = pasted.trimmed();
+    if (type == itDate) {
+        const auto date = toDate(t, rs);
+        return date ? dateLayoutText(*date, pf, 0) : QString();
+    }
+    if (type == itNum) {
+        const auto n = toNumber(t, rs);
+        if (!n)
+            return QString();
+        // The digits as written (trailing zeros included), without grouping and with a
+        // leading sign; an exponent form is written out as a plain number.
+        QString plain;
+        if (t.contains(QLatin1Char('e'), Qt::CaseInsensitive)) {
+            plain = plainNumber(*n).replace(QLatin1Char('.'), rs.decimalSeparator);
+        } else {
+            for (QChar c : t) {
+                if (c.isDigit() || c == rs.decimalSeparator)
+                    plain += c;
+            }
+            if (*n < 0)
+                plain.prepend(QLatin1Char('-'));
+        }
+        if (!pf.decimalSeparator.isNull())
+            plain.replace(rs.decimalSeparator, pf.decimalSeparator);
+        return plain;
+    }
+    return QString();
+}
+
 bool isLoneNumericSign(const QString &text, QChar decimalSeparator)
 {
     const QString t = trimmed(text);

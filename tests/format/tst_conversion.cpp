@@ -255,6 +255,38 @@ private Q_SLOTS:
         QCOMPARE(done.value_or(QString()), completed);
     }
 
+    void wholeValues_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<QString>("format");
+        QTest::addColumn<QString>("pasted");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("grouped number, zeros kept") << int(itNum) << ""
+                                                    << " 1 234,50 "
+                                                    << "1234,50";
+        QTest::newRow("trailing sign to the front") << int(itNum) << ""
+                                                    << "12,5-"
+                                                    << "-12,5";
+        QTest::newRow("exponent written out") << int(itNum) << ""
+                                              << "1,5e3"
+                                              << "1500";
+        QTest::newRow("no number") << int(itNum) << ""
+                                   << "12.5" << QString();
+        QTest::newRow("iso date into a month-first layout") << int(itDate) << "mm/dd/yyyy"
+                                                            << "2005-12-24"
+                                                            << "12.24.2005";
+        QTest::newRow("impossible date") << int(itDate) << ""
+                                         << "31.02.2005" << QString();
+        QTest::newRow("text is never whole") << int(itAlfaNum) << ""
+                                             << "abc" << QString();
+    }
+    void wholeValues()
+    {
+        Field f(VFETCH(int, type), VFETCH(QString, format));
+        QCOMPARE(wholeValueText(f.vf.type, VFETCH(QString, pasted), f.pf, f.vf.regional),
+                 VFETCH(QString, text));
+    }
+
     void loneSigns()
     {
         for (const char *t : {"-", "+", ",", "-,", " +, "})
