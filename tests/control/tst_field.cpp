@@ -55,15 +55,12 @@ private Q_SLOTS:
         row("ArrowAction", QVariant::fromValue(aaUpDownTab));
         row("DisplayMode", QVariant::fromValue(dmChangeable));
         row("ControlLength", QVariant::fromValue(clDecimalPart));
-        row("MatchCol", QVariant::fromValue(qint16(-1)));
         row("VisibleByLbl", true);
         row("CheckValues", true);
-        row("Messages", true);
         row("EnableEmpty", true);
         row("Nullable", false);
         row("ListBackColor", QVariant::fromValue(0x80000005u));
         row("ListCount", QVariant::fromValue(qint32(0)));
-        row("ListVisible", false);
         row("ListItemSelected", false);
         row("Value", QString());
         row("Changed", false);
