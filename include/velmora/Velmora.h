@@ -301,7 +301,6 @@ Q_SIGNALS:
     void PropertyChanged(const QString &name);
 
 protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;

@@ -1,116 +1,47 @@
-#include "KeyMapping.h"
+// The public face of a field: every member forwards to the private side.
+
 #include "Velmora_p.h"
 #include "format/FormatParser.h"
 #include "format/Regional.h"
+#include "format/Text.h"
 
-#include <velmora/Velmora.h>
+#include <velmora/Platform.h>
 
-#include <QtCore/QScopedValueRollback>
-#include <QtGui/QKeyEvent>
-#include <QtWidgets/QApplication>
-#include <QtWidgets/QFrame>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
-#include <QtWidgets/QMenu>
 #include <QtWidgets/QToolButton>
 
 namespace velmora {
 
 using namespace detail;
 
-namespace {
-
-// Keys that QLineEdit may handle itself: they move, select or copy, never edit.
-bool leavesTextAlone(const QKeyEvent &e)
-{
-    static const QKeySequence::StandardKey editing[] = {
-        QKeySequence::Undo,
-        QKeySequence::Redo,
-        QKeySequence::Cut,
-        QKeySequence::Paste,
-        QKeySequence::Delete,
-        QKeySequence::Backspace,
-        QKeySequence::DeleteStartOfWord,
-        QKeySequence::DeleteEndOfWord,
-        QKeySequence::DeleteEndOfLine,
-        QKeySequence::DeleteCompleteLine,
-        QKeySequence::InsertParagraphSeparator,
-        QKeySequence::InsertLineSeparator,
-    };
-    for (auto key : editing)
-        if (e.matches(key))
-            return false;
-    return true;
-}
-
-bool isTypedText(const QKeyEvent &e)
-{
-    const QString text = e.text();
-    if (text.isEmpty() || !text.at(0).isPrint())
-        return false;
-    const Qt::KeyboardModifiers mods = e.modifiers();
-    const bool ctrl = mods & Qt::ControlModifier;
-    const bool alt = mods & Qt::AltModifier;
-    return ctrl == alt; // plain, or Ctrl+Alt standing for AltGr
-}
-
-} // namespace
-
 Velmora::Velmora(QWidget *parent) : QWidget(parent), d(std::make_unique<VelmoraPrivate>(this))
 {
-    d->setupControls();
     Q_EMIT Initialize();
-    QObject::connect(d->txtInput, &QLineEdit::textChanged, this, [this] {
-        // While a key is being handled the value follows the box at once, so that a
-        // host reading Value in Change sees the key it was raised for.
-        if (d->inKey)
-            d->mText = d->txtInput->text();
-        Q_EMIT Change();
-        Q_EMIT PropertyChanged(QStringLiteral("Value"));
-    });
     QObject::connect(d->cmdList, &QToolButton::clicked, this, [this] {
+        QPointer<Velmora> alive(this);
         Q_EMIT ButtonClick();
-        d->dropDown();
+        if (alive)
+            d->dropDown();
     });
-    QObject::connect(
-        d->txtInput, &QLineEdit::customContextMenuRequested, this, [this](const QPoint &pos) {
-            // The box's own menu would edit past the rules; this one goes
-            // through them.
-            QMenu menu(d->txtInput);
-            const bool editable = d->mDisplayMode == dmChangeable;
-            menu.addAction(tr("Zpět"), this, [this] { d->engine.undo(); })
-                ->setEnabled(editable && d->engine.canUndo());
-            menu.addAction(tr("Znovu"), this, [this] { d->engine.redo(); })
-                ->setEnabled(editable && d->engine.canRedo());
-            menu.addSeparator();
-            const bool selected = d->txtInput->hasSelectedText();
-            menu.addAction(tr("Vyjmout"), this, [this] { d->engine.cutText(); })
-                ->setEnabled(editable && selected);
-            menu.addAction(tr("Kopírovat"), d->txtInput, &QLineEdit::copy)->setEnabled(selected);
-            menu.addAction(tr("Vložit"), this, [this] { d->engine.pasteText(); })
-                ->setEnabled(editable);
-            menu.addSeparator();
-            menu.addAction(tr("Vybrat vše"), d->txtInput, &QLineEdit::selectAll);
-            menu.exec(d->txtInput->mapToGlobal(pos));
-            d->mText = d->txtInput->text();
-        });
+    QObject::connect(d->txtInput, &QLineEdit::customContextMenuRequested, this,
+                     [this](const QPoint &pos) { d->contextMenu(pos); });
     // A new field parses its (default) format so that it is ready for a value.
     if (d->runMode())
         d->parseFormat();
     d->clear();
-    d->applyDisplayState();
+    d->look.applyDisplayState(d->set.displayMode, true, false);
 }
 
 Velmora::~Velmora()
 {
-    d->txtInput->removeEventFilter(this);
     Q_EMIT Terminate();
 }
 
 QSize Velmora::sizeHint() const
 {
     const QSize edit = d->txtInput->sizeHint();
-    return {edit.width() + (d->mSetList ? edit.height() : 0) + 4, edit.height() + 4};
+    return {edit.width() + (d->set.setList ? edit.height() : 0) + 4, edit.height() + 4};
 }
 
 // --- value ---------------------------------------------------------------------------
@@ -127,47 +58,12 @@ void Velmora::setValue(const QString &value)
 
 QVariant Velmora::varValue() const
 {
-    const ValueFormat vf = d->fieldFormat();
-    return typedValue(d->valueGet(), vf, d->mNullable);
+    return typedValue(d->valueGet(), d->fieldFormat(), d->set.nullable);
 }
 
 void Velmora::setvarValue(const QVariant &value)
 {
-    const RegionalSettings rs = d->regional();
-    QString text;
-    if (!value.isValid() || value.isNull()) {
-        text.clear();
-    } else {
-        switch (value.metaType().id()) {
-        case QMetaType::Bool:
-            if (d->mInputType == itBool)
-                text = value.toBool() ? QStringLiteral("True") : QStringLiteral("False");
-            else
-                text = value.toBool() ? QStringLiteral("-1") : QStringLiteral("0");
-            break;
-        case QMetaType::Double:
-        case QMetaType::Float:
-        case QMetaType::Int:
-        case QMetaType::UInt:
-        case QMetaType::Short:
-        case QMetaType::UShort:
-        case QMetaType::Long:
-        case QMetaType::LongLong:
-        case QMetaType::ULongLong:
-            text = numberToString(value.toDouble(), rs);
-            break;
-        case QMetaType::QDate:
-            text = dateToString(value.toDate(), rs);
-            break;
-        case QMetaType::QDateTime:
-            text = dateToString(value.toDateTime().date(), rs);
-            break;
-        default:
-            text = value.toString();
-            break;
-        }
-    }
-    d->valueLet(text);
+    d->valueLet(variantText(value, d->set.inputType, d->set.parsed.regional));
 }
 
 QString Velmora::FormValue() const
@@ -177,23 +73,22 @@ QString Velmora::FormValue() const
 
 QString Velmora::SQLValue() const
 {
-    return sqlValue(d->mText, d->fieldFormat(), !d->mSetList);
+    return sqlValue(d->val.text, d->fieldFormat());
 }
 
 QString Velmora::PrecValue() const
 {
-    if (d->mInputType != itNum || d->mSetList)
+    if (d->set.inputType != itNum || d->set.setList || trimBlanks(d->val.text).isEmpty()
+        || !d->val.number)
         return QString();
-    // Computed from the value as it stands, so that typing is reflected at once.
-    const auto n = toNumber(d->valueGet(), d->regional());
-    return n ? plainNumber(*n) : QString();
+    return plainNumber(*d->val.number);
 }
 
 QVariant Velmora::LetValue(const QString &sRet)
 {
-    d->mText = d->letValue(sRet);
-    d->refreshLabel();
-    return d->mText;
+    if (!d->letValue(sRet))
+        return QVariant();
+    return d->val.text;
 }
 
 void Velmora::Clear()
@@ -208,10 +103,10 @@ bool Velmora::Changed()
 
 void Velmora::setChanged(bool changed)
 {
-    d->mChanged = changed;
+    d->val.changed = changed;
     if (!changed) {
-        d->mBaseText = d->mText;
-        d->mBaseListIndex = d->mListIndex;
+        d->val.baseText = d->val.text;
+        d->val.baseListIndex = d->val.listIndex;
     }
     d->notify("Changed");
 }
@@ -220,7 +115,7 @@ void Velmora::setChanged(bool changed)
 
 InpType Velmora::InputType() const
 {
-    return d->mInputType;
+    return d->set.inputType;
 }
 
 void Velmora::setInputType(InpType type)
@@ -230,55 +125,55 @@ void Velmora::setInputType(InpType type)
 
 QString Velmora::FormatStr() const
 {
-    return d->mFormatStr;
+    return d->set.formatStr;
 }
 
 void Velmora::setFormatStr(const QString &format)
 {
-    d->assignFormat(false, d->mInputType, format);
+    d->assignFormat(false, d->set.inputType, format);
 }
 
 QString Velmora::FormatDesOddel() const
 {
-    return separatorToText(d->mDesOddel);
+    return separatorToText(d->set.desOddel);
 }
 
 void Velmora::setFormatDesOddel(const QString &separator)
 {
-    d->assignSeparator(d->mDesOddel, separator, itNum, "FormatDesOddel");
+    d->assignSeparator(d->set.desOddel, separator, itNum, "FormatDesOddel");
 }
 
 QString Velmora::FormatTisOddel() const
 {
-    return separatorToText(d->mTisOddel);
+    return separatorToText(d->set.tisOddel);
 }
 
 void Velmora::setFormatTisOddel(const QString &separator)
 {
-    d->assignSeparator(d->mTisOddel, separator, itNum, "FormatTisOddel");
+    d->assignSeparator(d->set.tisOddel, separator, itNum, "FormatTisOddel");
 }
 
 QString Velmora::FormatDatOddel() const
 {
-    return separatorToText(d->mDatOddel);
+    return separatorToText(d->set.datOddel);
 }
 
 void Velmora::setFormatDatOddel(const QString &separator)
 {
-    d->assignSeparator(d->mDatOddel, separator, itDate, "FormatDatOddel");
+    d->assignSeparator(d->set.datOddel, separator, itDate, "FormatDatOddel");
 }
 
 ControlLengthConst Velmora::ControlLength() const
 {
-    return d->mControlLength;
+    return d->set.controlLength;
 }
 
 void Velmora::setControlLength(ControlLengthConst length)
 {
     const QString kept = d->valueGet();
-    d->mControlLength = length;
-    if (d->runMode())
-        d->valueLet(kept);
+    d->set.controlLength = length;
+    if (d->runMode() && !d->valueLet(kept))
+        return;
     d->notify("ControlLength");
 }
 
@@ -300,58 +195,82 @@ void Velmora::setControlLength(ControlLengthConst length)
     }                                                                                              \
     void Velmora::set##Name(const QString &value)                                                  \
     {                                                                                              \
-        d->member = capped(value);                                                                 \
+        d->member = wellFormed(capped(value));                                                     \
         d->notify(#Name);                                                                          \
     }
 
-VELMORA_PLAIN_PROPERTY(qint16, MaxLength, mMaxLength)
-VELMORA_PLAIN_PROPERTY(velmora::AlfaNumTrim, AlfaNumTrim, mAlfaNumTrim)
-VELMORA_PLAIN_PROPERTY(bool, Nullable, mNullable)
-VELMORA_PLAIN_PROPERTY(velmora::EntAction, EnterAction, mEnterAction)
-VELMORA_PLAIN_PROPERTY(velmora::ArrAction, ArrowAction, mArrowAction)
-VELMORA_PLAIN_PROPERTY(bool, AutoTab, mAutoTab)
-VELMORA_PLAIN_PROPERTY(bool, SelectText, mSelectText)
-VELMORA_PLAIN_PROPERTY(qint16, RefreshInt, mRefreshInt)
-VELMORA_PLAIN_PROPERTY(qint16, Group, mGroup)
-VELMORA_PLAIN_PROPERTY(bool, CheckValues, mCheckValues)
-VELMORA_PLAIN_PROPERTY(bool, ListCheckValue, mListCheckValue)
-VELMORA_PLAIN_PROPERTY(bool, EnableEmpty, mEnableEmpty)
-VELMORA_PLAIN_PROPERTY(bool, Messages, mMessages)
-VELMORA_PLAIN_PROPERTY(bool, Crrr, mCrrr)
-VELMORA_PLAIN_PROPERTY(qint16, ValueCol, mValueCol)
-VELMORA_PLAIN_PROPERTY(qint16, TextCol, mTextCol)
-VELMORA_PLAIN_PROPERTY(qint16, MatchCol, mMatchCol)
-VELMORA_PLAIN_PROPERTY(bool, ListAddNewItem, mListAddNewItem)
-VELMORA_PLAIN_PROPERTY(quint32, ListBackColor, mListBackColor)
-VELMORA_PLAIN_PROPERTY(quint32, ListForeColor, mListForeColor)
-VELMORA_TEXT_PROPERTY(Label, mLabel)
-VELMORA_TEXT_PROPERTY(SQLConnect, mSQLConnect)
-VELMORA_TEXT_PROPERTY(SQLList, mSQLList)
-VELMORA_TEXT_PROPERTY(ListFormatString, mListFormatString)
-VELMORA_TEXT_PROPERTY(HideCol, mHideCol)
-VELMORA_TEXT_PROPERTY(ListNewItemText, mListNewItemText)
+VELMORA_PLAIN_PROPERTY(qint16, MaxLength, set.maxLength)
+VELMORA_PLAIN_PROPERTY(velmora::AlfaNumTrim, AlfaNumTrim, set.alfaNumTrim)
+VELMORA_PLAIN_PROPERTY(bool, Nullable, set.nullable)
+VELMORA_PLAIN_PROPERTY(velmora::EntAction, EnterAction, set.enterAction)
+VELMORA_PLAIN_PROPERTY(velmora::ArrAction, ArrowAction, set.arrowAction)
+VELMORA_PLAIN_PROPERTY(bool, AutoTab, set.autoTab)
+VELMORA_PLAIN_PROPERTY(bool, SelectText, set.selectText)
+VELMORA_PLAIN_PROPERTY(qint16, RefreshInt, set.refreshInt)
+VELMORA_PLAIN_PROPERTY(qint16, Group, set.group)
+VELMORA_PLAIN_PROPERTY(bool, CheckValues, set.switches.checkValues)
+VELMORA_PLAIN_PROPERTY(bool, ListCheckValue, set.switches.listCheckValue)
+VELMORA_PLAIN_PROPERTY(bool, EnableEmpty, set.switches.enableEmpty)
+VELMORA_PLAIN_PROPERTY(bool, Messages, set.messages)
+VELMORA_PLAIN_PROPERTY(bool, Crrr, set.crrr)
+VELMORA_PLAIN_PROPERTY(qint16, ValueCol, set.valueCol)
+VELMORA_PLAIN_PROPERTY(qint16, TextCol, set.textCol)
+VELMORA_PLAIN_PROPERTY(qint16, MatchCol, set.matchCol)
+VELMORA_PLAIN_PROPERTY(bool, ListAddNewItem, set.listAddNewItem)
+VELMORA_PLAIN_PROPERTY(quint32, ListBackColor, set.listBackColor)
+VELMORA_PLAIN_PROPERTY(quint32, ListForeColor, set.listForeColor)
+VELMORA_TEXT_PROPERTY(Label, set.label)
+VELMORA_TEXT_PROPERTY(SQLConnect, set.sqlConnect)
+VELMORA_TEXT_PROPERTY(SQLList, set.sqlList)
+VELMORA_TEXT_PROPERTY(ListFormatString, set.listFormatString)
+VELMORA_TEXT_PROPERTY(HideCol, set.hideCol)
+VELMORA_TEXT_PROPERTY(ListNewItemText, set.listNewItemText)
 
-// Properties that the layout and the display state read.
-#define VELMORA_LAYOUT_PROPERTY(Type, Name, member)                                                \
+#undef VELMORA_PLAIN_PROPERTY
+#undef VELMORA_TEXT_PROPERTY
+
+DisplMode Velmora::DisplayMode() const
+{
+    return d->set.displayMode;
+}
+
+void Velmora::setDisplayMode(DisplMode mode)
+{
+    d->set.displayMode = mode;
+    d->look.applyDisplayState(mode, VisibleByLbl(), d->set.setList);
+    d->notify("DisplayMode");
+}
+
+// The label shows the value of a visible field; the rest of the look is the
+// Appearance's.
+#define VELMORA_LOOK_PROPERTY(Type, Name, member)                                                  \
     Type Velmora::Name() const                                                                     \
     {                                                                                              \
-        return d->member;                                                                          \
+        return d->look.member;                                                                     \
     }                                                                                              \
     void Velmora::set##Name(Type value)                                                            \
     {                                                                                              \
-        d->member = value;                                                                         \
-        d->applyDisplayState();                                                                    \
+        d->look.member = value;                                                                    \
+        d->look.applyDisplayState(d->set.displayMode, VisibleByLbl(), d->set.setList);             \
         d->notify(#Name);                                                                          \
     }
 
-VELMORA_LAYOUT_PROPERTY(velmora::DisplMode, DisplayMode, mDisplayMode)
-VELMORA_LAYOUT_PROPERTY(bool, VisibleByLbl, mVisibleByLbl)
-VELMORA_LAYOUT_PROPERTY(velmora::AlignConst, Alignment, alignment)
-VELMORA_LAYOUT_PROPERTY(velmora::SpecialEffectConst, SpecialEffect, specialEffect)
+VELMORA_LOOK_PROPERTY(velmora::AlignConst, Alignment, alignment)
+VELMORA_LOOK_PROPERTY(velmora::SpecialEffectConst, SpecialEffect, specialEffect)
 
-#undef VELMORA_LAYOUT_PROPERTY
-#undef VELMORA_PLAIN_PROPERTY
-#undef VELMORA_TEXT_PROPERTY
+#undef VELMORA_LOOK_PROPERTY
+
+bool Velmora::VisibleByLbl() const
+{
+    return d->visibleByLbl;
+}
+
+void Velmora::setVisibleByLbl(bool on)
+{
+    d->visibleByLbl = on;
+    d->look.applyDisplayState(d->set.displayMode, on, d->set.setList);
+    d->notify("VisibleByLbl");
+}
 
 // --- behaviour -----------------------------------------------------------------------
 
@@ -362,20 +281,21 @@ bool Velmora::InsMode() const
 
 void Velmora::setInsMode(bool on)
 {
-    d->engine.setInsMode(on);
+    if (!d->apply(d->engine.setInsMode(d->editSettings(), d->viewState(), on)))
+        return;
     d->notify("InsMode");
 }
 
 bool Velmora::SetList() const
 {
-    return d->mSetList;
+    return d->set.setList;
 }
 
 void Velmora::setSetList(bool on)
 {
-    d->mSetList = on;
+    d->set.setList = on;
     d->cmdList->setArrowType(on ? Qt::DownArrow : Qt::NoArrow);
-    d->applyDisplayState();
+    d->look.applyDisplayState(d->set.displayMode, VisibleByLbl(), on);
     d->notify("SetList");
 }
 
@@ -383,61 +303,69 @@ void Velmora::setSetList(bool on)
 
 QString Velmora::SelText() const
 {
-    return d->box.selText();
+    return d->txtInput->selectedText();
 }
 
 qint16 Velmora::SelStart() const
 {
-    return qint16(d->box.selStart());
+    return qint16(d->viewState().selStart);
 }
 
 void Velmora::setSelStart(qint16 start)
 {
-    d->box.setSelStart(qMax<int>(0, start));
+    d->txtInput->setCursorPosition(qBound(0, int(start), int(d->txtInput->text().size())));
 }
 
 qint16 Velmora::SelLength() const
 {
-    return qint16(d->box.selLength());
+    return qint16(d->txtInput->selectionLength());
 }
 
 void Velmora::setSelLength(qint16 length)
 {
-    d->box.setSelLength(qMax<int>(0, length));
+    const int start = d->viewState().selStart;
+    const int n = qBound(0, int(length), int(d->txtInput->text().size()) - start);
+    if (n == 0)
+        d->txtInput->setCursorPosition(start);
+    else
+        d->txtInput->setSelection(start, n);
 }
 
 void Velmora::DoKeyPress(qint16 &KeyAscii)
 {
-    int key = quint16(KeyAscii);
-    const QScopedValueRollback<bool> handling(d->inKey, true);
-    d->engine.doKeyPress(key);
-    KeyAscii = qint16(key);
+    // A lone surrogate is no character of a well-formed text.
+    const char16_t key = QChar::isSurrogate(quint16(KeyAscii))
+        ? char16_t(QChar::ReplacementCharacter)
+        : char16_t(quint16(KeyAscii));
+    d->apply(d->engine.keyPress(d->editSettings(), d->viewState(), key));
 }
 
 void Velmora::ChangeInsertMode()
 {
-    d->engine.changeInsertMode();
+    d->engine.changeInsertMode(d->set.inputType);
 }
 
 // --- checks and messages -------------------------------------------------------------
 
 qint16 Velmora::Error() const
 {
-    return d->mError;
+    return d->val.error;
 }
 
 void Velmora::setError(qint16 number)
 {
-    d->mError = number;
+    d->val.error = number;
 }
 
 void Velmora::Msg(QString &sText)
 {
     if (!window()->isVisible())
         return;
+    QPointer<Velmora> alive(this);
     d->warningBeep();
-    Platform::instance().messageBox(sText, d->mLabel, this);
-    setFocus();
+    Platform::instance().messageBox(sText, d->set.label, this);
+    if (alive) // the host may close the form while the box is open
+        setFocus();
 }
 
 bool Velmora::DoValidate()
@@ -494,14 +422,15 @@ bool Velmora::ListVisible() const
 
 bool Velmora::ListItemSelected() const
 {
-    if (d->mInputType == itBool)
+    if (d->set.inputType == itBool)
         return false;
-    return d->mSetList && (d->mListIndex >= 1 || (d->mListIndex == 0 && !d->mListAddNewItem));
+    return d->set.setList
+        && (d->val.listIndex >= 1 || (d->val.listIndex == 0 && !d->set.listAddNewItem));
 }
 
 bool Velmora::ListOK() const
 {
-    return !d->mSetList;
+    return !d->set.setList;
 }
 
 QString Velmora::GetSelectedElem(qint16) const
@@ -517,49 +446,49 @@ void Velmora::AddItem(QString &) { }
 
 FieldFont *Velmora::Font() const
 {
-    return d->txtFont;
+    return d->look.textFont();
 }
 
 void Velmora::setFont(FieldFont *font)
 {
-    d->followTextFont(font);
+    d->look.followTextFont(font);
     d->notify("Font");
 }
 
 FieldFont *Velmora::ListFont() const
 {
-    return d->lstFont;
+    return d->look.listFont();
 }
 
 void Velmora::setListFont(FieldFont *font)
 {
-    d->lstFont = font ? font : &d->ownListFont;
+    d->look.followListFont(font);
     d->notify("ListFont");
 }
 
 quint32 Velmora::BackColor() const
 {
-    return d->backColor;
+    return d->look.backColor;
 }
 
 void Velmora::setBackColor(quint32 color)
 {
-    d->backColor = color;
-    d->mOriBC = color;
-    d->setEditColors();
+    d->look.backColor = color;
+    d->look.oriBC = color;
+    d->look.applyColors();
     d->notify("OriBC");
     d->notify("BackColor");
 }
 
 quint32 Velmora::ForeColor() const
 {
-    return d->foreColor;
+    return d->look.foreColor;
 }
 
 void Velmora::setForeColor(quint32 color)
 {
-    d->foreColor = color;
-    d->setEditColors();
+    d->look.foreColor = color;
+    d->look.applyColors();
     d->notify("ForeColor");
 }
 
@@ -568,123 +497,10 @@ qint32 Velmora::hwnd() const
     return qint32(quintptr(effectiveWinId()));
 }
 
-// --- events of the edit box ----------------------------------------------------------
-
-bool Velmora::eventFilter(QObject *watched, QEvent *event)
-{
-    if (watched != d->txtInput || d->inPassThrough)
-        return QWidget::eventFilter(watched, event);
-
-    switch (event->type()) {
-    case QEvent::KeyPress: {
-        auto *e = static_cast<QKeyEvent *>(event);
-        if (e->key() == Qt::Key_Tab || e->key() == Qt::Key_Backtab || e->key() == Qt::Key_Escape)
-            return false; // the form's own keys
-        int code = legacyKeyCode(*e);
-        int shift = legacyShift(e->modifiers());
-        const QScopedValueRollback<bool> handling(d->inKey, true);
-        d->engine.keyDown(code, shift);
-        if (code == 0)
-            return true;
-        if (isTypedText(*e)) {
-            for (QChar c : e->text()) {
-                int k = c.unicode();
-                d->engine.keyPress(k);
-            }
-            return true;
-        }
-        if (!leavesTextAlone(*e))
-            return true;
-        // Movement and selection keys are the box's own; its text must not change.
-        const QString before = d->txtInput->text();
-        d->inPassThrough = true;
-        static_cast<QObject *>(d->txtInput)->event(e);
-        d->inPassThrough = false;
-        if (d->txtInput->text() != before)
-            d->box.setText(before);
-        // A key the box ignored (F1 at design time, say) goes on to the form: Qt gives
-        // it to the box once more (not to this filter), which ignores it again, and then
-        // to the parent.
-        return e->isAccepted();
-    }
-    case QEvent::KeyRelease: {
-        auto *e = static_cast<QKeyEvent *>(event);
-        int code = legacyKeyCode(*e);
-        int shift = legacyShift(e->modifiers());
-        d->engine.keyUp(code, shift);
-        return false;
-    }
-    case QEvent::InputMethod: {
-        auto *e = static_cast<QInputMethodEvent *>(event);
-        if (!e->commitString().isEmpty()) {
-            const QString committed = e->commitString();
-            e->setCommitString(QString());
-            d->inPassThrough = true;
-            static_cast<QObject *>(d->txtInput)->event(e);
-            d->inPassThrough = false;
-            const QScopedValueRollback<bool> handling(d->inKey, true);
-            d->engine.commitText(committed);
-            return true;
-        }
-        return false;
-    }
-    case QEvent::FocusIn: {
-        d->inPassThrough = true;
-        static_cast<QObject *>(d->txtInput)->event(event);
-        d->inPassThrough = false;
-        d->focusIn();
-        return true;
-    }
-    case QEvent::FocusOut: {
-        auto *e = static_cast<QFocusEvent *>(event);
-        d->inPassThrough = true;
-        static_cast<QObject *>(d->txtInput)->event(event);
-        d->inPassThrough = false;
-        // A message box or a popup of the field is not leaving it.
-        if (e->reason() != Qt::PopupFocusReason && e->reason() != Qt::ActiveWindowFocusReason)
-            d->focusOut();
-        return true;
-    }
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonRelease:
-    case QEvent::MouseMove: {
-        auto *e = static_cast<QMouseEvent *>(event);
-        qint16 button = qint16((e->buttons() | e->button()) & 7);
-        qint16 shift = qint16(legacyShift(e->modifiers()));
-        float x = float(e->position().x()), y = float(e->position().y());
-        if (event->type() == QEvent::MouseButtonPress) {
-            Q_EMIT MouseDown(button, shift, x, y);
-            if (e->button() == Qt::MiddleButton)
-                return true; // pasting the selection would pass the rules by
-        } else if (event->type() == QEvent::MouseButtonRelease) {
-            Q_EMIT MouseUp(button, shift, x, y);
-            if (e->button() == Qt::LeftButton
-                && d->txtInput->rect().contains(e->position().toPoint()))
-                Q_EMIT TxtBoxClick();
-        } else {
-            Q_EMIT MouseMove(button, shift, x, y);
-            if (d->mDisplayMode == dmChangeable && d->engine.insMode() && d->box.selLength() == 0
-                && !(e->buttons() & Qt::LeftButton))
-                d->box.setSelLength(1);
-        }
-        return false;
-    }
-    case QEvent::MouseButtonDblClick: {
-        bool cancel = false;
-        Q_EMIT TxtBoxDblClick(cancel);
-        return cancel;
-    }
-    case QEvent::Drop:
-        return true;
-    default:
-        return false;
-    }
-}
-
 void Velmora::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
-    d->layoutControls();
+    d->look.layout(d->set.setList);
 }
 
 void Velmora::showEvent(QShowEvent *event)

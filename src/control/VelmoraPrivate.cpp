@@ -1,14 +1,14 @@
 #include "Velmora_p.h"
 #include "format/FormatParser.h"
 #include "format/Regional.h"
-#include "validation/Messages.h"
+#include "format/Text.h"
 
-#include <velmora/StrF.h>
+#include <velmora/Platform.h>
 
 #include <QtCore/QTimer>
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
 #include <QtGui/QKeyEvent>
-#include <QtWidgets/QApplication>
-#include <QtWidgets/QFrame>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QToolButton>
@@ -17,58 +17,15 @@ namespace velmora {
 
 using namespace detail;
 
-namespace {
-
-QString trimBlanks(const QString &s)
-{
-    return trimSides(s, atLeftRight);
-}
-
-// Draws the cross line over a field shown crossed out.
-class CrossLine final : public QWidget
-{
-public:
-    using QWidget::QWidget;
-
-protected:
-    void paintEvent(QPaintEvent *) override;
-};
-
-} // namespace
-} // namespace velmora
-
-#include <QtGui/QPainter>
-
-namespace velmora {
-namespace {
-void CrossLine::paintEvent(QPaintEvent *)
-{
-    QPainter p(this);
-    p.setPen(QPen(palette().color(QPalette::WindowText), 1));
-    p.drawLine(rect().topLeft(), rect().bottomRight());
-    p.drawLine(rect().bottomLeft(), rect().topRight());
-}
-} // namespace
-
 VelmoraPrivate::VelmoraPrivate(Velmora *field)
-    : q(field), txtInput(new QLineEdit(field)), box(txtInput), engine(*this, box)
-{ }
-
-VelmoraPrivate::~VelmoraPrivate() = default;
-
-void VelmoraPrivate::setupControls()
+    : q(field), txtInput(new QLineEdit(field)), events(*this)
 {
-    imgFrame = new QFrame(q);
-    imgFrame->setObjectName(QStringLiteral("imgFrame"));
-    imgFrame->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
-    imgFrame->lower();
-
     txtInput->setObjectName(QStringLiteral("txtInput"));
     txtInput->setFrame(false);
     txtInput->setDragEnabled(false);
     txtInput->setAcceptDrops(false);
     txtInput->setContextMenuPolicy(Qt::CustomContextMenu);
-    txtInput->installEventFilter(q);
+    txtInput->installEventFilter(&events);
     q->setFocusProxy(txtInput);
     q->setFocusPolicy(Qt::StrongFocus);
 
@@ -83,91 +40,14 @@ void VelmoraPrivate::setupControls()
     cmdList->setArrowType(Qt::NoArrow);
     cmdList->hide();
 
-    shpMriz = new CrossLine(q);
-    shpMriz->setObjectName(QStringLiteral("shpMriz"));
-    shpMriz->setAttribute(Qt::WA_TransparentForMouseEvents);
-    shpMriz->hide();
-
-    ownTextFont.assign(txtInput->font());
-    ownListFont.assign(lblVis->font());
-    followTextFont(&ownTextFont);
-    lstFont = &ownListFont;
-    mOriBC = backColor;
-    setEditColors();
+    look.setup(q, txtInput, lblVis, cmdList);
+    // The separators of a field never parsed (designed forms) are the regional ones.
+    set.parsed.regional = Platform::instance().regionalSettings();
 }
 
-void VelmoraPrivate::followTextFont(FieldFont *font)
+VelmoraPrivate::~VelmoraPrivate()
 {
-    QObject::disconnect(txtFontConnection);
-    txtFont = font ? font : &ownTextFont;
-    txtInput->setFont(txtFont->toQFont(txtInput->font()));
-    lblVis->setFont(txtFont->toQFont(lblVis->font()));
-    txtFontConnection
-        = QObject::connect(txtFont, &FieldFont::FontChanged, q, [this](const QString &attribute) {
-              QFont f = txtInput->font();
-              FieldFont::applyAttribute(*txtFont, f, attribute);
-              txtInput->setFont(f);
-              QFont l = lblVis->font();
-              FieldFont::applyAttribute(*txtFont, l, attribute);
-              lblVis->setFont(l);
-          });
-}
-
-void VelmoraPrivate::layoutControls()
-{
-    const QRect r = q->rect();
-    imgFrame->setGeometry(r);
-    const int frame = specialEffect == fmSpecialEffectFlat ? 1 : 2;
-    QRect inner = r.adjusted(frame, frame, -frame, -frame);
-    if (mSetList) {
-        const int w = qMin(inner.height() + 2, inner.width() / 2);
-        cmdList->setGeometry(inner.right() - w + 1, inner.top(), w, inner.height());
-        inner.setRight(inner.right() - w);
-    }
-    txtInput->setGeometry(inner);
-    lblVis->setGeometry(inner);
-    shpMriz->setGeometry(inner);
-}
-
-void VelmoraPrivate::applyDisplayState()
-{
-    // Changeable and landable fields edit in the box; a visible field shows its value,
-    // in the label when VisibleByLbl is set; an invisible one shows nothing; a crossed
-    // out one shows its value struck through.
-    const bool editing = mDisplayMode == dmChangeable || mDisplayMode == dmLandable;
-    const bool useLabel
-        = (mDisplayMode == dmVisible || mDisplayMode == dmCrossline) && mVisibleByLbl;
-    txtInput->setVisible(mDisplayMode != dmInvisible && !useLabel);
-    txtInput->setReadOnly(!editing);
-    lblVis->setVisible(useLabel);
-    shpMriz->setVisible(mDisplayMode == dmCrossline);
-    shpMriz->raise();
-    cmdList->setVisible(mSetList && mDisplayMode != dmInvisible);
-    cmdList->setEnabled(editing);
-    imgFrame->setVisible(mDisplayMode != dmInvisible);
-    switch (specialEffect) {
-    case fmSpecialEffectFlat:
-        imgFrame->setFrameStyle(QFrame::Box | QFrame::Plain);
-        break;
-    case fmSpecialEffectRaised:
-        imgFrame->setFrameStyle(QFrame::Panel | QFrame::Raised);
-        break;
-    case fmSpecialEffectEtchel:
-        imgFrame->setFrameStyle(QFrame::Box | QFrame::Sunken);
-        break;
-    case fmSpecialEffectBump:
-        imgFrame->setFrameStyle(QFrame::Box | QFrame::Raised);
-        break;
-    default:
-        imgFrame->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
-        break;
-    }
-    const Qt::Alignment a = alignment == vbCenter ? Qt::AlignHCenter
-        : alignment == vbRightJustify             ? Qt::AlignRight
-                                                  : Qt::AlignLeft;
-    txtInput->setAlignment(a | Qt::AlignVCenter);
-    lblVis->setAlignment(a | Qt::AlignVCenter);
-    layoutControls();
+    txtInput->removeEventFilter(&events);
 }
 
 bool VelmoraPrivate::runMode() const
@@ -183,19 +63,45 @@ bool VelmoraPrivate::runMode() const
 ValueFormat VelmoraPrivate::fieldFormat() const
 {
     ValueFormat vf;
-    vf.type = mInputType;
-    vf.format = mFormatStr;
-    vf.parsed = &pf;
-    vf.boolFormat = pf.boolFormat;
-    vf.dateSlot = 0;
-    vf.trim = mAlfaNumTrim;
-    vf.regional = regional();
+    vf.type = set.inputType;
+    vf.format = set.formatStr;
+    vf.parsed = &set.parsed;
+    vf.boolFormat = set.parsed.boolFormat;
+    vf.trim = set.alfaNumTrim;
+    vf.regional = set.parsed.regional;
     return vf;
 }
 
-ConfiguredSeparators VelmoraPrivate::configuredSeparators() const
+FieldValueSettings VelmoraPrivate::valueSettings() const
 {
-    return {mDesOddel, mTisOddel, mDatOddel};
+    return {fieldFormat(), set.maxLength, set.setList, switchOn(Switch::ListCheckValue),
+            switchOn(Switch::EnableEmpty)};
+}
+
+EditSettings VelmoraPrivate::editSettings() const
+{
+    EditSettings s;
+    s.type = set.inputType;
+    s.mode = set.displayMode;
+    s.enterAction = set.enterAction;
+    s.arrowAction = set.arrowAction;
+    s.controlLength = set.controlLength;
+    s.setList = set.setList;
+    s.selectText = set.selectText;
+    s.autoTab = set.autoTab;
+    s.enableEmpty = switchOn(Switch::EnableEmpty);
+    s.runMode = runMode();
+    s.maxLength = set.maxLength;
+    s.display = fieldFormat();
+    return s;
+}
+
+EditState VelmoraPrivate::viewState() const
+{
+    const bool selected = txtInput->hasSelectedText();
+    return {txtInput->text(),
+            selected ? int(txtInput->selectionStart()) : int(txtInput->cursorPosition()),
+            int(txtInput->selectionLength())};
 }
 
 void VelmoraPrivate::notify(const char *name)
@@ -203,183 +109,156 @@ void VelmoraPrivate::notify(const char *name)
     Q_EMIT q->PropertyChanged(QString::fromLatin1(name));
 }
 
-int VelmoraPrivate::parseFormat()
+// --- the one exit of an edit ---------------------------------------------------------
+
+bool VelmoraPrivate::writeText(const QString &shown, const QString &stored, Origin origin,
+                               bool notifyValue, std::optional<EditState> caret)
 {
-    int message = 0;
-    const RegionalSettings rs = regional();
-    switch (mInputType) {
-    case itNum:
-        message = parseNumFormat(pf, mFormatStr, rs, configuredSeparators());
-        break;
-    case itAlfaNum:
-        message = checkAlfaNumFormat(mFormatStr);
-        break;
-    case itDate:
-        message = parseDateFormat(pf, mFormatStr, 0, rs, configuredSeparators());
-        break;
-    case itBool:
-        parseBoolFormat(pf.boolFormat, mFormatStr);
-        // A lookup list built from the two texts follows the new format once lists exist.
-        break;
-    default:
-        break; // an unknown type has no format: the field edits plain text
+    const bool changed = txtInput->text() != shown;
+    if (changed)
+        txtInput->setText(shown);
+    if (caret) {
+        if (caret->selLength > 0)
+            txtInput->setSelection(caret->selStart, caret->selLength);
+        else
+            txtInput->setCursorPosition(caret->selStart);
+    } else if (changed) {
+        txtInput->setCursorPosition(0);
     }
-    if (message)
-        reportError(message, QString());
-    return message;
+    val.text = stored;
+    ++val.generation;
+    if (origin == Origin::Typed && set.inputType == itNum)
+        val.number = toNumber(textToValue(stored, fieldFormat()), set.parsed.regional);
+    if (origin == Origin::Assigned)
+        engine.clearHistory();
+    if (changed)
+        lblVis->setText(shown);
+    if (!changed)
+        return true;
+    QPointer<Velmora> alive(q);
+    Q_EMIT q->Change();
+    if (alive && notifyValue)
+        notify("Value");
+    return alive;
 }
 
-void VelmoraPrivate::assignFormat(bool isInputType, InpType newType, const QString &newFormat)
+bool VelmoraPrivate::apply(const EditOutcome &o, Origin origin)
 {
-    const QString kept = valueGet();
-    const InpType oldType = mInputType;
-    const QString oldFormatStr = mFormatStr;
-    if (isInputType) {
-        mInputType = newType;
-        clear();
-    } else {
-        mFormatStr = capped(newFormat);
+    if (o.listIndex)
+        val.listIndex = *o.listIndex;
+    const quint64 generation = val.generation + 1;
+    // After every edit the stored text is what the box shows (a menu cut of a number
+    // keeps only its digits); the number is read again only when the text changed.
+    if (!writeText(o.box.text, o.stored, o.textChanged ? origin : Origin::Shown, true, o.box))
+        return false;
+    // A handler of Change that set a value or a format has the last word.
+    if (val.generation != generation)
+        return true;
+    QPointer<Velmora> alive(q);
+    if (o.arrowKey) {
+        qint16 arrow = qint16(*o.arrowKey);
+        Q_EMIT q->ArrowAction(arrow);
+        if (!alive)
+            return false;
     }
-    if (runMode()) {
-        const ParsedFormat savedFormat = pf;
-        mError = 0;
-        if (isInputType)
-            mFormatStr.clear(); // the new type starts from its default format
-        parseFormat();
-        if (mInputType == itDate) {
-            setBoxText(pf.emptyDateText);
-            mText = txtInput->text();
-        }
-        valueLet(kept);
-        if (mError != 0) {
-            // The value does not fit: the previous format stays in force.
-            if (isInputType)
-                mInputType = oldType;
-            pf = savedFormat;
-            mFormatStr = oldFormatStr;
-            valueLet(kept);
-        } else if (isInputType && mInputType == itDate) {
-            engine.setInsMode(true);
-        }
-    }
-    notify(isInputType ? "InputType" : "FormatStr");
-    if (isInputType && oldType != newType) {
-        mNullable = newType == itDate;
-        notify("Nullable");
-    }
+    for (const Report &r : o.reports)
+        if (!report(r.number, r.value))
+            return false;
+    if (o.move == FocusMove::Next)
+        sendTab();
+    else if (o.move == FocusMove::Previous)
+        sendShiftTab();
+    if (o.dropDown)
+        dropDown();
+    return true;
 }
 
-void VelmoraPrivate::assignSeparator(QChar &member, const QString &text, InpType owner,
-                                     const char *name)
+bool VelmoraPrivate::report(int number, const QString &value)
 {
-    const QString kept = valueGet();
-    const QChar old = member;
-    member = separatorFromText(text);
-    if (runMode() && mInputType == owner) {
-        mError = 0;
-        parseFormat();
-        valueLet(kept);
-        if (mError != 0) {
-            member = old;
-            parseFormat();
-            valueLet(kept);
-        }
-    }
-    notify(name);
+    QPointer<Velmora> alive(q);
+    val.error = qint16(number);
+    qint16 n = val.error;
+    QString text = messageText(number, value);
+    Q_EMIT q->Error(n, text);
+    if (!alive)
+        return false;
+    if (!set.messages)
+        return true;
+    warningBeep();
+    Platform::instance().messageBox(messageText(number, value), set.label, q);
+    if (!alive)
+        return false; // the host closed the form while the box was open
+    if (q->isVisible() && (set.displayMode == dmChangeable || set.displayMode == dmLandable))
+        txtInput->setFocus();
+    return true;
 }
 
-// --- value -------------------------------------------------------------------------
+// --- value ---------------------------------------------------------------------------
 
 QString VelmoraPrivate::valueGet() const
 {
     // A string pattern is applied once, when the text is shown; the stored text is
     // already in that form and only the trimming applies.
-    if (mInputType == itAlfaNum)
-        return trimSides(mText, mAlfaNumTrim);
-    return textToValue(mText, fieldFormat());
+    if (set.inputType == itAlfaNum)
+        return trimSides(val.text, set.alfaNumTrim);
+    return textToValue(val.text, fieldFormat());
 }
 
-void VelmoraPrivate::valueLet(const QString &input)
+bool VelmoraPrivate::valueLet(const QString &input)
 {
-    const QString v = capped(input);
-    mLastValue = q->varValue();
-    engine.clearHistory();
-
-    if (mInputType == itBool) {
-        if (v.isEmpty() && !isSet(QStringLiteral("EnableEmpty"))) {
-            reportError(1, v);
-            return;
+    val.lastValue = q->varValue();
+    const Assignment a = assignValue(wellFormed(capped(input)), valueSettings(), val.text);
+    if (a.clearFirst && !a.show && !clear())
+        return false;
+    if (a.show) {
+        if (a.clearFirst) {
+            // Cleared and shown in one write: the baseline of Changed starts again.
+            val.baseListIndex = val.notifiedListIndex = -1;
         }
-        const BoolDisplay shown = boolDisplayText(v, pf.boolFormat, regional(), false);
-        mListIndex = qint16(shown.row);
-        mText = shown.text;
-        setBoxText(mText);
-    } else {
-        QString t = v;
-        if (mSetList) {
-            // Without a loaded list no row matches.
-            mListIndex = -1;
-            const bool empty = isSet(QStringLiteral("EnableEmpty")) && trimBlanks(v).isEmpty();
-            if (isSet(QStringLiteral("ListCheckValue"))) {
-                if (empty) {
-                    clear();
-                    valueChangedCheck();
-                    return;
-                }
-                reportError(1, v);
-                t = mText;
-            } else {
-                clear();
-                if (empty)
-                    return;
-            }
-        }
-        mText = letValue(t);
+        val.listIndex = a.listIndex;
+        if (set.inputType == itNum)
+            val.number = a.show->number;
+        if (!writeText(a.show->shown, a.show->stored, Origin::Assigned, false))
+            return false;
+        val.exitText = val.text;
+        if (a.clearFirst)
+            val.baseText = val.text;
     }
-    refreshLabel();
-    mExitText = mText;
-    valueChangedCheck();
-    notify("Value");
-}
-
-QString VelmoraPrivate::letValue(const QString &sRet)
-{
-    QString s = mInputType == itAlfaNum ? trimSides(capped(sRet), mAlfaNumTrim)
-                                        : trimSides(capped(sRet), atLeftRight);
-    const RegionalSettings rs = regional();
-    if (!s.isEmpty()) {
-        if (mInputType == itNum && !isNumeric(s, rs))
-            reportError(6, s);
-        else if (mInputType == itDate && !isDate(s, rs))
-            reportError(7, s);
+    for (const Report &r : a.reports)
+        if (!report(r.number, r.value))
+            return false;
+    if (a.checkValueChanged && !valueChangedCheck())
+        return false;
+    if (a.notifyValue) {
+        QPointer<Velmora> alive(q);
+        notify("Value");
+        return alive;
     }
-    if (mInputType == itNum && !s.isEmpty())
-        mStoredNumber = toNumber(s, rs).value_or(0);
-    if (mInputType == itAlfaNum && mMaxLength > 0)
-        s = s.left(mMaxLength);
-
-    if (!s.isEmpty())
-        setBoxText(displayText(s));
-    else
-        setBoxText(mInputType == itDate ? pf.emptyDateText : QString());
-
-    QString result = txtInput->text();
-    if (mInputType == itNum)
-        result = StrF().Filter(result, QStringLiteral("-0123456789") + pf.decimalSeparator);
-    return result;
+    return true;
 }
 
-void VelmoraPrivate::clear()
+bool VelmoraPrivate::letValue(const QString &text)
 {
-    setBoxText(mInputType == itDate ? pf.emptyDateText : QString());
-    mText = txtInput->text();
-    mExitText = mBaseText = mText;
-    mListIndex = mBaseListIndex = mNotifiedListIndex = -1;
-    engine.clearHistory();
-    refreshLabel();
+    const ShownValue shown = showValue(wellFormed(capped(text)), valueSettings());
+    if (set.inputType == itNum)
+        val.number = shown.number;
+    if (!writeText(shown.shown, shown.stored, Origin::Assigned))
+        return false;
+    return !shown.report || report(shown.report->number, shown.report->value);
 }
 
-void VelmoraPrivate::valueChangedCheck()
+bool VelmoraPrivate::clear()
+{
+    const QString empty = set.inputType == itDate ? set.parsed.emptyDateText : QString();
+    val.listIndex = val.baseListIndex = val.notifiedListIndex = -1;
+    val.number.reset();
+    if (!writeText(empty, empty, Origin::Assigned))
+        return false;
+    val.exitText = val.baseText = val.text;
+    return true;
+}
+
+bool VelmoraPrivate::valueChangedCheck()
 {
     const QVariant now = q->varValue();
     const auto isEmpty = [](const QVariant &v) {
@@ -389,175 +268,173 @@ void VelmoraPrivate::valueChangedCheck()
         return v.isValid() && v.metaType() == QMetaType::fromType<std::nullptr_t>();
     };
     bool differ;
-    if (isEmpty(now) != isEmpty(mLastValue) || isNull(now) != isNull(mLastValue))
+    if (isEmpty(now) != isEmpty(val.lastValue) || isNull(now) != isNull(val.lastValue))
         differ = true;
     else if (isEmpty(now) || isNull(now))
         differ = false;
     else
-        differ = now != mLastValue;
-    if (differ) {
-        mLastValue = now;
-        Q_EMIT q->ValueChanged();
-    }
+        differ = now != val.lastValue;
+    if (!differ)
+        return true;
+    val.lastValue = now;
+    QPointer<Velmora> alive(q);
+    Q_EMIT q->ValueChanged();
+    return alive;
 }
 
 QVariant VelmoraPrivate::typedOf(const QString &text) const
 {
     const ValueFormat vf = fieldFormat();
-    return typedValue(textToValue(text, vf), vf, mNullable);
+    return typedValue(textToValue(text, vf), vf, set.nullable);
 }
 
 bool VelmoraPrivate::changedGet()
 {
-    if (!mChanged) {
-        const QVariant base = typedOf(mBaseText);
-        const QVariant now = typedOf(mText);
+    if (!val.changed) {
+        const QVariant base = typedOf(val.baseText);
+        const QVariant now = typedOf(val.text);
         if (base.isValid() != now.isValid() || (base.isValid() && base != now))
-            mChanged = true;
+            val.changed = true;
         else
-            mChanged = mBaseListIndex != mListIndex;
+            val.changed = val.baseListIndex != val.listIndex;
     }
-    return mChanged;
+    return val.changed;
 }
 
-qint16 VelmoraPrivate::completeEntry()
+// --- formats -------------------------------------------------------------------------
+
+bool VelmoraPrivate::parseFormat()
 {
-    const ValueFormat vf = fieldFormat();
-    const QString text = txtInput->text();
-    if (mInputType == itDate) {
-        if (!trimBlanks(text).isEmpty() && text != pf.emptyDateText) {
-            const auto done = completeDate(text, vf, Platform::instance().today());
-            if (!done)
-                return 1;
-            setBoxText(*done);
-        }
-    } else if (mInputType == itNum) {
-        if (isLoneNumericSign(text, pf.decimalSeparator)) {
-            setBoxText(QString());
-        } else if (!text.isEmpty()) {
-            const QString shown = displayText(textToValue(text, vf));
-            if (shown != text)
-                setBoxText(shown);
-        }
-        return 0;
+    int message = 0;
+    const RegionalSettings rs = Platform::instance().regionalSettings();
+    const ConfiguredSeparators configured {set.desOddel, set.tisOddel, set.datOddel};
+    set.parsed.regional = rs;
+    switch (set.inputType) {
+    case itNum:
+        message = parseNumFormat(set.parsed, set.formatStr, rs, configured);
+        break;
+    case itAlfaNum:
+        message = checkAlfaNumFormat(set.formatStr);
+        break;
+    case itDate:
+        message = parseDateFormat(set.parsed, set.formatStr, 0, rs, configured);
+        break;
+    case itBool:
+        parseBoolFormat(set.parsed.boolFormat, set.formatStr);
+        // A lookup list built from the two texts follows the new format once lists exist.
+        break;
+    default:
+        break; // an unknown type has no format: the field edits plain text
     }
-    mText = txtInput->text();
-    return 0;
+    return message == 0 || report(message, QString());
 }
 
-// --- messages ----------------------------------------------------------------------
-
-void VelmoraPrivate::reportError(int number, const QString &value)
+bool VelmoraPrivate::assignFormat(bool isInputType, InpType newType, const QString &newFormat)
 {
-    mError = qint16(number);
-    qint16 n = mError;
-    QString text = messageText(number, value);
-    Q_EMIT q->Error(n, text);
-    if (!mMessages)
-        return;
-    warningBeep();
-    Platform::instance().messageBox(messageText(number, value), mLabel, q);
-    if (q->isVisible() && (mDisplayMode == dmChangeable || mDisplayMode == dmLandable))
-        txtInput->setFocus();
+    const quint64 generation = ++set.formatGeneration;
+    const QString kept = valueGet();
+    const InpType oldType = set.inputType;
+    const QString oldFormatStr = set.formatStr;
+    const ParsedFormat oldFormat = set.parsed;
+    if (isInputType) {
+        set.inputType = newType;
+        if (!clear())
+            return false;
+    } else {
+        set.formatStr = wellFormed(capped(newFormat));
+    }
+    // A handler that assigned another format meanwhile has the last word.
+    const auto overtaken = [&] {
+        return set.formatGeneration != generation;
+    };
+    if (runMode()) {
+        val.error = 0;
+        if (isInputType)
+            set.formatStr.clear(); // the new type starts from its default format
+        if (!parseFormat())
+            return false;
+        if (overtaken())
+            return true;
+        // A half-typed date keeps what was typed in the new layout.
+        const QString value = set.inputType == itDate && oldType == itDate
+            ? moveDateParts(kept, oldFormat, set.parsed)
+            : kept;
+        if (!valueLet(value))
+            return false;
+        if (overtaken())
+            return true;
+        if (val.error != 0) {
+            // The value does not fit: the previous format stays in force.
+            set.inputType = oldType;
+            set.parsed = oldFormat;
+            set.formatStr = oldFormatStr;
+            if (!valueLet(kept))
+                return false;
+        } else if (isInputType && set.inputType == itDate
+                   && !apply(engine.setInsMode(editSettings(), viewState(), true))) {
+            return false;
+        }
+    }
+    notify(isInputType ? "InputType" : "FormatStr");
+    if (isInputType && oldType != newType) {
+        set.nullable = newType == itDate;
+        notify("Nullable");
+    }
+    return true;
 }
+
+bool VelmoraPrivate::assignSeparator(QChar &member, const QString &text, InpType owner,
+                                     const char *name)
+{
+    const quint64 generation = ++set.formatGeneration;
+    const QString kept = valueGet();
+    const QChar old = member;
+    const ParsedFormat oldFormat = set.parsed;
+    member = separatorFromText(text);
+    if (runMode() && set.inputType == owner) {
+        val.error = 0;
+        if (!parseFormat())
+            return false;
+        const QString value = owner == itDate ? moveDateParts(kept, oldFormat, set.parsed) : kept;
+        if (set.formatGeneration == generation && !valueLet(value))
+            return false;
+        if (set.formatGeneration == generation && val.error != 0) {
+            member = old;
+            if (!parseFormat() || !valueLet(kept))
+                return false;
+        }
+    }
+    notify(name);
+    return true;
+}
+
+// --- services ------------------------------------------------------------------------
 
 void VelmoraPrivate::warningBeep()
 {
-    if (mCrrr)
+    if (set.crrr)
         Platform::instance().beep(400, 150);
 }
 
-bool VelmoraPrivate::isSet(const QString &name)
+bool VelmoraPrivate::insertToggled() const
 {
-    const auto value = detail::isSet(name, {mCheckValues, mListCheckValue, mEnableEmpty});
-    if (value)
-        return *value;
-    Platform::instance().messageBox(unknownSwitchText(name), mLabel, q);
-    return false;
+    return Platform::instance().insertToggled();
 }
 
-// --- the edit box ------------------------------------------------------------------
-
-void VelmoraPrivate::setBoxText(const QString &text)
+void VelmoraPrivate::setInsertToggled(bool on)
 {
-    box.setText(text);
+    Platform::instance().setInsertToggled(on);
 }
 
-void VelmoraPrivate::refreshLabel()
+QString VelmoraPrivate::clipboardText() const
 {
-    lblVis->setText(txtInput->text());
+    // Whatever the clipboard holds enters the field well formed and cut to length.
+    return wellFormed(capped(QGuiApplication::clipboard()->text()));
 }
 
-QColor VelmoraPrivate::toQColor(quint32 color, QPalette::ColorRole systemRole)
+void VelmoraPrivate::setClipboardText(const QString &text)
 {
-    if (color & SystemColorBit) {
-        // System colours map onto the palette roles that play the same part.
-        switch (color & 0xFFu) {
-        case 5:
-            return QApplication::palette().color(QPalette::Base);
-        case 8:
-            return QApplication::palette().color(QPalette::Text);
-        case 15:
-            return QApplication::palette().color(QPalette::Button);
-        case 18:
-            return QApplication::palette().color(QPalette::ButtonText);
-        case 13:
-            return QApplication::palette().color(QPalette::Highlight);
-        case 14:
-            return QApplication::palette().color(QPalette::HighlightedText);
-        case 17:
-            return QApplication::palette().color(QPalette::PlaceholderText);
-        default:
-            return QApplication::palette().color(systemRole);
-        }
-    }
-    return QColor(int(color & 0xFF), int((color >> 8) & 0xFF), int((color >> 16) & 0xFF));
-}
-
-void VelmoraPrivate::setEditColors()
-{
-    QPalette p = txtInput->palette();
-    p.setColor(QPalette::Base, toQColor(backColor, QPalette::Base));
-    p.setColor(QPalette::Text, toQColor(foreColor, QPalette::Text));
-    txtInput->setPalette(p);
-    QPalette l = lblVis->palette();
-    l.setColor(QPalette::WindowText, toQColor(foreColor, QPalette::WindowText));
-    lblVis->setPalette(l);
-}
-
-QString VelmoraPrivate::displayText(const QString &value)
-{
-    return detail::displayText(value, fieldFormat());
-}
-
-// --- focus -------------------------------------------------------------------------
-
-void VelmoraPrivate::focusIn()
-{
-    if (mDisplayMode == dmChangeable) {
-        backColor = FocusHighlightColor;
-        setEditColors();
-    }
-    mHasFocus = true;
-    mLastValue = q->varValue();
-    engine.enterField();
-}
-
-void VelmoraPrivate::focusOut()
-{
-    if (!q->isVisible())
-        return;
-    completeEntry();
-    valueChangedCheck();
-    if (!mChanged)
-        changedGet();
-    mExitText = mText;
-    mHasFocus = false;
-    if (mDisplayMode == dmChangeable) {
-        backColor = mOriBC;
-        setEditColors();
-    }
-    refreshLabel();
+    QGuiApplication::clipboard()->setText(text);
 }
 
 // Focus moves are the form's own Tab order: a Tab key posted to the edit box takes
@@ -577,46 +454,6 @@ void VelmoraPrivate::sendShiftTab()
 void VelmoraPrivate::dropDown()
 {
     // The drop-down list window is not built yet.
-}
-
-QString VelmoraPrivate::wholeValueText(const QString &pasted)
-{
-    return detail::wholeValueText(mInputType, pasted, pf, regional());
-}
-
-} // namespace velmora
-
-namespace velmora {
-
-// The field's key events carry 16-bit codes; what the host writes back is taken over.
-void VelmoraPrivate::raiseKeyDown(int &keyCode, int &shift)
-{
-    qint16 k = qint16(keyCode), s = qint16(shift);
-    Q_EMIT q->KeyDown(k, s);
-    keyCode = k;
-    shift = s;
-}
-
-void VelmoraPrivate::raiseKeyPress(int &keyAscii)
-{
-    qint16 k = qint16(keyAscii);
-    Q_EMIT q->KeyPress(k);
-    keyAscii = quint16(k);
-}
-
-void VelmoraPrivate::raiseKeyUp(int &keyCode, int &shift)
-{
-    qint16 k = qint16(keyCode), s = qint16(shift);
-    Q_EMIT q->KeyUp(k, s);
-    keyCode = k;
-    shift = s;
-}
-
-void VelmoraPrivate::raiseArrowAction(int &arrow)
-{
-    qint16 a = qint16(arrow);
-    Q_EMIT q->ArrowAction(a);
-    arrow = a;
 }
 
 } // namespace velmora

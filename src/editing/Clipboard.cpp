@@ -1,75 +1,83 @@
-// Cut and paste under the entry rules of the input type.
+// Cut, paste and characters that arrive together, under the entry rules of the input
+// type.
 
 #include "KeyEngine.h"
+#include "format/Text.h"
 
 namespace velmora::detail {
 
-void KeyEngine::cutText()
+EditOutcome KeyEngine::cutText(const EditSettings &s, const EditState &box)
 {
-    EditScope edit(*this);
+    begin(s, box);
+    cut();
+    // Cut from the menu, the stored number keeps only what a number is made of; a cut
+    // key stores the text as every other key does.
+    m_filterStored = s.type == itNum;
+    return end();
+}
+
+EditOutcome KeyEngine::pasteText(const EditSettings &s, const EditState &box)
+{
+    begin(s, box);
+    paste(m_services.clipboardText());
+    return end();
+}
+
+void KeyEngine::cut()
+{
     if (!changeable()) {
         warningBeep();
         return;
     }
     const int start = m_box.selStart();
     const int length = m_box.selLength();
-    const QString text = m_box.text();
+    const QString &text = m_box.text();
     const QString rest = text.left(start) + text.mid(qsizetype(start) + length);
     // An empty selection leaves the clipboard alone.
-    const auto cutSelection = [this, length] {
+    const auto toClipboard = [this, length] {
         if (length > 0)
-            m_box.cut();
+            m_services.setClipboardText(m_box.selText());
     };
-    const ParsedFormat &format = m_host.parsedFormat();
-    switch (m_host.inputType()) {
+    switch (m_s->type) {
     case itNum:
-        if (checkNumDigits(rest) == 0)
-            cutSelection();
-        else
+        if (checkNumDigits(numPlaces(rest), start == m_box.size())) {
+            toClipboard();
+            m_box.setText(rest);
+            m_box.setSelStart(start);
+        } else {
             warningBeep();
+        }
         break;
     case itBool:
         // A boolean text is cut only as a whole, and only where empty is allowed.
-        if (rest.isEmpty() && m_host.isSet(QStringLiteral("EnableEmpty"))) {
-            cutSelection();
-            m_host.setListIndex(2);
+        if (rest.isEmpty() && m_s->enableEmpty) {
+            toClipboard();
+            m_box.setText(rest);
+            m_out.listIndex = 2;
         } else {
             warningBeep();
         }
         break;
     case itDate: {
         // The cut digit places become blank; the separators stay.
-        const QString blanks
-            = format.emptyDateText.mid(start, length).leftJustified(length, QLatin1Char(' '), true);
-        cutSelection();
-        m_box.setText(text.left(start) + blanks + text.mid(qsizetype(start) + length));
-        m_box.setSelStart(start);
+        toClipboard();
+        deleteSelection();
         skipDateSeparator(1);
         break;
     }
     default:
-        cutSelection();
-        m_box.setText(m_host.displayText(rest));
+        toClipboard();
+        m_box.setText(plainDisplay() ? rest : shown(rest));
         m_box.setSelStart(start);
         break;
     }
-    QString stored = m_box.text();
-    if (m_host.inputType() == itNum) {
-        // The stored number keeps only what a number is made of.
-        const QChar separator = format.decimalSeparator;
-        stored.removeIf([separator](QChar c) {
-            return !(c == QLatin1Char('-') || (c >= QLatin1Char('0') && c <= QLatin1Char('9'))
-                     || (!separator.isNull() && c == separator));
-        });
-    }
-    m_host.setStoredText(stored);
 }
 
 // A whole value stands only when it has the form typing could have given it.
-bool KeyEngine::wholeValueFits(const QString &value) const
+bool KeyEngine::wholeValueFits(const QString &value)
 {
-    const ParsedFormat &format = m_host.parsedFormat();
-    if (m_host.inputType() == itDate) {
+    const ParsedFormat &format = m_s->format();
+    if (m_s->type == itDate) {
         const QString &empty = format.emptyDateText;
         if (value.size() != empty.size())
             return false;
@@ -101,25 +109,22 @@ bool KeyEngine::wholeValueFits(const QString &value) const
     return places.decimal <= format.decimalDigits && places.integer <= format.integerDigits;
 }
 
-void KeyEngine::pasteText()
+void KeyEngine::paste(QString pasted)
 {
-    EditScope edit(*this);
     if (!changeable()) {
         warningBeep();
         return;
     }
-    QString pasted = m_box.clipboardText();
     pasted.removeIf([](QChar c) { return c.unicode() < 32; }); // line breaks, tabs
     if (pasted.isEmpty())
         return;
 
-    const InpType type = m_host.inputType();
-    const QString text = m_box.text();
-    const bool empty
-        = text.isEmpty() || (type == itDate && text == m_host.parsedFormat().emptyDateText);
+    const InpType type = m_s->type;
+    const QString &text = m_box.text();
+    const bool empty = text.isEmpty() || (type == itDate && text == m_s->format().emptyDateText);
     const bool allSelected = m_box.selLength() > 0 && m_box.selLength() >= text.size();
     if ((type == itDate || type == itNum) && (empty || allSelected)) {
-        const QString whole = m_host.wholeValueText(pasted);
+        const QString whole = wholeValueText(type, pasted, m_s->format(), m_s->display.regional);
         if (!whole.isNull()) {
             if (!wholeValueFits(whole)) {
                 warningBeep(); // the field stays exactly as it was
@@ -129,9 +134,8 @@ void KeyEngine::pasteText()
             m_box.setSelStart(int(whole.size()));
             if (type == itDate)
                 dateAutoTab();
-            else if (numFull(numPlaces(whole)) && m_host.autoTab())
+            else if (numFull(numPlaces(whole)) && m_s->autoTab)
                 sendTab();
-            m_host.setStoredText(whole);
             return;
         }
     }
@@ -140,17 +144,17 @@ void KeyEngine::pasteText()
 
 // The pasted characters go one by one through the entry rule, as typed, but as one
 // edit: a single refused character restores the field and sounds one tone.
-void KeyEngine::pasteCharacters(const QString &text)
+void KeyEngine::pasteCharacters(QStringView text)
 {
-    const Snapshot before = current();
-    const qint16 listBefore = m_host.listIndex();
-    const bool lastDecides = m_host.inputType() == itBool;
+    const EditState before = m_box.state();
+    const std::optional<qint16> listBefore = m_out.listIndex;
+    const bool lastDecides = m_s->type == itBool;
     bool accepted = true;
     bool tabAsked = false;
     m_holdBack = true;
     for (const QChar c : text) {
         m_heldTab = false;
-        const bool ok = entryRule(nullptr, c.unicode());
+        const bool ok = entryRule(c.unicode());
         tabAsked = m_heldTab;
         if (lastDecides) {
             accepted = ok;
@@ -163,16 +167,31 @@ void KeyEngine::pasteCharacters(const QString &text)
     m_holdBack = false;
     m_heldTab = false;
     if (!accepted) {
-        restore(before);
-        if (m_host.listIndex() != listBefore)
-            m_host.setListIndex(listBefore);
+        m_box.load(before);
+        m_out.listIndex = listBefore;
         warningBeep();
         return;
     }
     // The focus moves on when the last character would have moved it when typed.
     if (tabAsked)
-        m_host.sendTab();
-    m_host.setStoredText(m_box.text());
+        sendTab();
+}
+
+// Characters committed together go through the entry rule one by one, each standing
+// on its own as a typed key would; the tone sounds once and each message is reported
+// once, however many characters were refused.
+void KeyEngine::typeCharacters(QStringView keys)
+{
+    m_collapse = true;
+    for (const QChar c : keys) {
+        entryRule(c.unicode());
+        showOverwriteCaret();
+    }
+    m_collapse = false;
+    if (m_toneHeld) {
+        m_toneHeld = false;
+        warningBeep();
+    }
 }
 
 } // namespace velmora::detail

@@ -2,21 +2,53 @@
 // actions and the overwrite caret.
 
 #include "KeyEngine.h"
-
-#include <climits>
+#include "format/Text.h"
 
 namespace velmora::detail {
 
-KeyEngine::KeyEngine(EditHost &host, EditBox &box) : m_host(host), m_box(box) { }
+KeyEngine::KeyEngine(EditServices &services) : m_services(services) { }
+
+void KeyEngine::begin(const EditSettings &s, const EditState &box)
+{
+    m_s = &s;
+    m_box.load(box);
+    m_out = {};
+    m_before = m_box.state();
+    m_historyMoved = false;
+    m_filterStored = false;
+}
+
+EditOutcome KeyEngine::end()
+{
+    m_out.box = m_box.state();
+    m_out.textChanged = m_out.box.text != m_before.text;
+    if (m_out.textChanged && !m_historyMoved) {
+        if (m_undo.size() >= 100)
+            m_undo.erase(m_undo.begin());
+        m_undo.push_back(std::move(m_before));
+        m_redo.clear();
+    }
+    m_out.stored = m_out.box.text;
+    if (m_filterStored) {
+        const QChar separator = m_s->format().decimalSeparator;
+        m_out.stored.removeIf([separator](QChar c) {
+            return !(c == QLatin1Char('-') || (c >= QLatin1Char('0') && c <= QLatin1Char('9'))
+                     || (!separator.isNull() && c == separator));
+        });
+    }
+    m_before = {};
+    m_s = nullptr;
+    return std::move(m_out);
+}
 
 bool KeyEngine::changeable() const
 {
-    return m_host.displayMode() == dmChangeable;
+    return m_s->mode == dmChangeable;
 }
 
-int KeyEngine::textLength() const
+bool KeyEngine::landable() const
 {
-    return int(qMin<qsizetype>(m_box.text().size(), INT_MAX));
+    return m_s->mode == dmLandable;
 }
 
 // A single selected character in overwrite mode is only the overwrite caret.
@@ -26,30 +58,23 @@ bool KeyEngine::realSelection() const
     return length >= 2 || (length == 1 && !m_insMode);
 }
 
-int KeyEngine::takeKey(int *keyObject, int plainKey)
-{
-    int k = 0;
-    if (plainKey >= 0) {
-        k = plainKey;
-    } else if (keyObject) {
-        k = *keyObject;
-        *keyObject = 0; // the edit box must not insert the key itself
-    }
-    // Anything that is not a UTF-16 code unit counts as the character 0, which every
-    // rule refuses.
-    return k >= 0 && k <= 0xFFFF ? k : 0;
-}
-
 void KeyEngine::warningBeep()
 {
-    if (!m_holdBack)
-        m_host.warningBeep();
+    if (m_holdBack)
+        return;
+    if (m_collapse)
+        m_toneHeld = true;
+    else
+        m_services.warningBeep();
 }
 
-void KeyEngine::reportError(int number, int value)
+void KeyEngine::report(int number, int value)
 {
-    if (!m_holdBack)
-        m_host.reportError(number, QString::number(value));
+    if (m_holdBack)
+        return;
+    const Report r {number, QString::number(value)};
+    if (!m_collapse || !m_out.reports.contains(r))
+        m_out.reports.append(r);
 }
 
 void KeyEngine::sendTab()
@@ -57,7 +82,7 @@ void KeyEngine::sendTab()
     if (m_holdBack)
         m_heldTab = true;
     else
-        m_host.sendTab();
+        m_out.move = FocusMove::Next;
 }
 
 void KeyEngine::showOverwriteCaret()
@@ -66,104 +91,115 @@ void KeyEngine::showOverwriteCaret()
         m_box.setSelLength(1);
 }
 
-void KeyEngine::deleteSelection()
+KeyEngine::Removed KeyEngine::deleteSelection()
 {
     const int length = m_box.selLength();
-    if (length < 1 || !changeable())
-        return;
     const int start = m_box.selStart();
-    const QString text = m_box.text();
-    QString middle;
-    if (m_host.inputType() == itDate) {
+    Removed removed {start, QString(), length};
+    if (length < 1 || !changeable())
+        return removed;
+    removed.text = m_box.selText();
+    if (m_s->type == itDate) {
         // The blanks of the empty date keep the length and the separators.
-        middle = m_host.parsedFormat().emptyDateText.mid(start, length);
-        middle = middle.leftJustified(length, QLatin1Char(' '), true);
+        const QString blanks = m_s->format()
+                                   .emptyDateText.mid(start, length)
+                                   .leftJustified(length, QLatin1Char(' '), true);
+        m_box.replace(start, length, blanks);
+    } else {
+        m_box.remove(start, length);
     }
-    m_box.setText(text.left(start) + middle + text.mid(qsizetype(start) + length));
     m_box.setSelStart(start);
+    return removed;
 }
 
-bool KeyEngine::entryRule(int *keyObject, int plainKey)
+void KeyEngine::putBack(const Removed &removed)
 {
-    switch (m_host.inputType()) {
+    if (!removed.text.isEmpty()) {
+        if (m_s->type == itDate)
+            m_box.replace(removed.start, int(removed.text.size()), removed.text);
+        else
+            m_box.replace(removed.start, 0, removed.text);
+    }
+    m_box.setSelStart(removed.start);
+    m_box.setSelLength(removed.selLength);
+}
+
+bool KeyEngine::entryRule(char16_t key)
+{
+    switch (m_s->type) {
     case itDate:
-        return dateKeyPress(keyObject, plainKey);
+        return dateKeyPress(key);
     case itNum:
-        return numKeyPress(keyObject, plainKey);
+        return numKeyPress(key) == Entry::Accepted;
     case itBool:
-        return boolKeyPress(keyObject, plainKey);
+        return boolKeyPress(key);
     default:
-        return alfaNumKeyPress(keyObject, plainKey);
+        return alfaNumKeyPress(key);
     }
 }
 
 void KeyEngine::finishKey()
 {
-    m_host.setStoredText(m_box.text());
     showOverwriteCaret();
 }
 
-void KeyEngine::keyDown(int &keyCode, int &shift)
+EditOutcome KeyEngine::keyDown(const EditSettings &s, const EditState &box, int &keyCode,
+                               int &shift)
 {
-    m_host.raiseKeyDown(keyCode, shift);
-    EditScope edit(*this);
+    begin(s, box);
     dispatchKeyDown(keyCode, shift);
     finishKey();
+    return end();
 }
 
-void KeyEngine::keyPress(int &keyAscii)
+void KeyEngine::typeKey(char16_t key)
 {
-    m_host.raiseKeyPress(keyAscii);
-    EditScope edit(*this);
-    entryRule(&keyAscii, -1);
+    entryRule(key);
     finishKey();
 }
 
-void KeyEngine::doKeyPress(int &keyAscii)
+EditOutcome KeyEngine::keyPress(const EditSettings &s, const EditState &box, int key)
 {
-    EditScope edit(*this);
-    entryRule(nullptr, keyAscii);
-    finishKey();
+    begin(s, box);
+    typeKey(key >= 0 && key <= 0xFFFF ? char16_t(key) : u'\0');
+    return end();
 }
 
-void KeyEngine::keyUp(int &keyCode, int &shift)
+EditOutcome KeyEngine::typeText(const EditSettings &s, const EditState &box, QStringView keys)
 {
-    m_host.raiseKeyUp(keyCode, shift);
+    begin(s, box);
+    typeCharacters(keys);
+    return end();
 }
 
-void KeyEngine::commitText(const QString &text)
+EditOutcome KeyEngine::enterField(const EditSettings &s, const EditState &box,
+                                  const QString &stored)
 {
-    for (const QChar c : text) {
-        int keyAscii = c.unicode();
-        keyPress(keyAscii);
-    }
-}
-
-void KeyEngine::enterField()
-{
-    const InpType type = m_host.inputType();
-    if (type == itNum)
-        trimLeadingZeros();
-    m_box.setText(m_host.storedText());
+    begin(s, box);
+    m_historyMoved = true; // showing the stored text is no edit of the user's
+    m_box.setText(s.type == itNum ? withoutLeadingZeros(stored) : stored);
     if (changeable()) {
         m_box.setSelStart(0);
-        if (m_host.selectText())
-            m_box.setSelLength(textLength());
+        if (s.selectText)
+            m_box.setSelLength(m_box.size());
     }
     // A date is always typed over; the other types follow the keyboard's Insert toggle.
-    m_insMode = type == itDate || m_host.insertToggled();
+    m_insMode = s.type == itDate || m_services.insertToggled();
     showOverwriteCaret();
+    return end();
 }
 
-void KeyEngine::changeInsertMode()
+void KeyEngine::changeInsertMode(InpType type)
 {
-    m_insMode = m_host.inputType() == itDate ? true : !m_insMode;
+    m_insMode = type == itDate ? true : !m_insMode;
 }
 
-void KeyEngine::setInsMode(bool on)
+EditOutcome KeyEngine::setInsMode(const EditSettings &s, const EditState &box, bool on)
 {
+    begin(s, box);
     m_insMode = on;
     m_box.setSelLength(on ? 1 : 0);
+    return end();
 }
 
 void KeyEngine::dispatchKeyDown(int &keyCode, int &shift)
@@ -171,26 +207,23 @@ void KeyEngine::dispatchKeyDown(int &keyCode, int &shift)
     using namespace key;
     const int start = m_box.selStart();
     const int length = m_box.selLength();
-    const int textLen = textLength();
+    const int textLen = m_box.size();
     const bool sideways = keyCode == Left || keyCode == Right;
 
     // Shift+Left/Right grow and shrink the selection around the anchor of the last
     // other key.
     if (!(shift != 0 && sideways))
-        m_selAnchor = qint16(qBound(0, start, 32767));
+        m_selAnchor = qint16(qBound(0, start, MaxPosition));
 
-    if (keyCode == F1 && m_host.userMode()) {
+    if (keyCode == F1 && m_s->runMode) {
         keyCode = 0;
         return;
     }
     if (keyCode == Y && shift == CtrlBit && changeable()) {
-        const InpType type = m_host.inputType();
-        if (type == itBool) {
-            keyCode = Backspace;
-            boolKeyDown(keyCode);
+        if (m_s->type == itBool) {
+            boolDelete();
         } else {
-            m_box.setText(type == itDate ? m_host.parsedFormat().emptyDateText : QString());
-            m_host.setStoredText(m_box.text());
+            m_box.setText(m_s->type == itDate ? m_s->format().emptyDateText : QString());
             m_box.setSelStart(0);
         }
         keyCode = 0;
@@ -198,28 +231,25 @@ void KeyEngine::dispatchKeyDown(int &keyCode, int &shift)
         return;
     }
     if (keyCode == Z && (shift == CtrlBit || shift == (CtrlBit | ShiftBit))) {
-        if (shift == CtrlBit)
-            undo();
-        else
-            redo();
+        moveHistory(shift == CtrlBit ? m_undo : m_redo, shift == CtrlBit ? m_redo : m_undo);
         keyCode = 0;
         return;
     }
     if (((shift & ShiftBit) && keyCode == Delete) || ((shift & CtrlBit) && keyCode == X)) {
-        cutText();
+        cut();
         keyCode = 0;
         shift = 0;
         return;
     }
     if (((shift & ShiftBit) && keyCode == Insert) || ((shift & CtrlBit) && keyCode == V)) {
-        pasteText();
+        paste(m_services.clipboardText());
         keyCode = 0;
         shift = 0;
         return;
     }
     if (keyCode == Insert && shift == 0) {
-        changeInsertMode();
-        m_host.setInsertToggled(!m_host.insertToggled());
+        changeInsertMode(m_s->type);
+        m_services.setInsertToggled(!m_services.insertToggled());
         m_box.setSelLength(m_insMode ? 1 : 0);
         return; // the key itself goes on to the edit box
     }
@@ -234,9 +264,8 @@ void KeyEngine::dispatchKeyDown(int &keyCode, int &shift)
         return;
     }
     if (keyCode == PageUp || keyCode == PageDown) {
-        const DisplMode mode = m_host.displayMode();
-        if (m_host.setList() && (mode == dmChangeable || mode == dmLandable))
-            m_host.dropDown();
+        if (m_s->setList && (changeable() || landable()))
+            m_out.dropDown = true;
         keyCode = 0;
         return;
     }
@@ -288,59 +317,71 @@ void KeyEngine::dispatchKeyDown(int &keyCode, int &shift)
         doArrowAction(keyCode, shift);
         return;
     }
-    switch (m_host.inputType()) {
+
+    // Every input type: Enter runs the Enter action, Backspace and Delete delete under
+    // the type's rule, and every other key is left to the edit box.
+    if (keyCode == Enter) {
+        doEnterAction();
+        keyCode = 0; // Enter never reaches the edit box
+        return;
+    }
+    if (keyCode != Backspace && keyCode != Delete)
+        return;
+    const bool isDelete = keyCode == Delete;
+    keyCode = 0;
+    if (landable()) {
+        warningBeep();
+        return;
+    }
+    switch (m_s->type) {
     case itDate:
-        dateKeyDown(keyCode);
+        dateDelete(isDelete);
         break;
     case itNum:
-        numKeyDown(keyCode);
+        numDelete(isDelete);
         break;
     case itBool:
-        boolKeyDown(keyCode);
+        boolDelete();
         break;
     default:
-        alfaNumKeyDown(keyCode);
+        alfaNumDelete(isDelete);
         break;
     }
 }
 
 void KeyEngine::doArrowAction(int &keyCode, int &shift)
 {
-    int arrow = keyCode; // the host may look at it; the decision reads the key itself
-    m_host.raiseArrowAction(arrow);
-    const ArrAction action = m_host.arrowAction();
+    m_out.arrowKey = keyCode; // the host may look at it; the decision reads the key itself
+    const ArrAction action = m_s->arrowAction;
     const bool leftRight = action == aaAllTab || action == aaLeftRightTab;
     const bool upDown = action == aaAllTab || action == aaUpDownTab;
     if ((keyCode == key::Left && leftRight) || (keyCode == key::Up && upDown))
-        m_host.sendShiftTab();
+        m_out.move = FocusMove::Previous;
     else if ((keyCode == key::Right && leftRight) || (keyCode == key::Down && upDown))
-        m_host.sendTab();
+        m_out.move = FocusMove::Next;
     keyCode = 0;
     shift = 0;
 }
 
-void KeyEngine::doEnterAction(int &keyCode)
+void KeyEngine::doEnterAction()
 {
-    switch (m_host.enterAction()) {
+    switch (m_s->enterAction) {
     case eaTab:
         sendTab();
         break;
     case eaClearRest:
-        if (m_host.displayMode() != dmLandable) {
+        if (!landable()) {
             const int start = m_box.selStart();
-            const QString kept = m_box.text().left(start);
-            const InpType type = m_host.inputType();
-            if (type == itDate)
-                m_box.setText(kept + m_host.parsedFormat().emptyDateText.mid(start));
-            else if (type != itBool)
-                m_box.setText(kept);
+            if (m_s->type == itDate)
+                m_box.setText(m_box.text().left(start) + m_s->format().emptyDateText.mid(start));
+            else if (m_s->type != itBool)
+                m_box.setText(m_box.text().left(start));
         }
         sendTab();
         break;
     default:
         break;
     }
-    keyCode = 0; // Enter never reaches the edit box
 }
 
 } // namespace velmora::detail

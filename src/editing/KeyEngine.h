@@ -1,17 +1,23 @@
 #pragma once
 
 // The editing engine: key-down dispatch, caret and selection, Enter and arrow
-// actions, overwrite caret, cut and paste, and the entry rules of the four input
-// types. It works on an EditBox and asks its EditHost for the field's settings and
-// services, so that it runs the same on the real QLineEdit and in memory.
+// actions, overwrite caret, cut, paste, undo and the entry rules of the four input
+// types. Every edit starts from the edit box's state and the field's settings and ends
+// in an EditOutcome: the new box state, the text to store, and what the field must do
+// next (report a message, move the focus, drop the list down). The field applies it;
+// the engine never calls back into the field except for the two services below.
 
 #include "EditBox.h"
 #include "format/ParsedFormat.h"
+#include "format/ValueAssignment.h"
+#include "format/ValueConversion.h"
 
 #include <velmora/Types.h>
 
+#include <QtCore/QList>
 #include <QtCore/QString>
 
+#include <optional>
 #include <vector>
 
 namespace velmora::detail {
@@ -24,183 +30,187 @@ constexpr int Backspace = 8, Tab = 9, Enter = 13, ShiftKey = 16, PageUp = 33, Pa
 constexpr int ShiftBit = 1, CtrlBit = 2, AltBit = 4;
 } // namespace key
 
-// What the engine needs from the field. Settings are read on every key, so a host
-// may change them between keys.
-class EditHost
+// The field's settings as the rules read them. The field builds them for every edit,
+// so a host may change them between keys.
+struct EditSettings
+{
+    InpType type = itAlfaNum;
+    DisplMode mode = dmChangeable;
+    EntAction enterAction = eaTab;
+    ArrAction arrowAction = aaUpDownTab;
+    ControlLengthConst controlLength = clDecimalPart;
+    bool setList = false;
+    bool selectText = true;
+    bool autoTab = false;
+    bool enableEmpty = true; // the EnableEmpty switch as the switch test resolves it
+    bool runMode = true; // false while the form is being designed
+    qint16 maxLength = 0;
+    ValueFormat display; // the field's display formatter; display.parsed is never null
+
+    const ParsedFormat &format() const { return *display.parsed; }
+};
+
+// The services the rules use while they work.
+class EditServices
 {
 public:
-    virtual ~EditHost() = default;
-
-    virtual InpType inputType() const = 0;
-    virtual DisplMode displayMode() const = 0;
-    virtual EntAction enterAction() const = 0;
-    virtual ArrAction arrowAction() const = 0;
-    virtual ControlLengthConst controlLength() const = 0;
-    virtual bool setList() const = 0;
-    virtual bool selectText() const = 0;
-    virtual bool autoTab() const = 0;
-    virtual qint16 maxLength() const = 0;
-    virtual QString formatStr() const = 0;
-    virtual const ParsedFormat &parsedFormat() const = 0;
-    // Run mode (true) or design mode (false) of the host form.
-    virtual bool userMode() const = 0;
-    // The switch test ("EnableEmpty", "ListCheckValue").
-    virtual bool isSet(const QString &name) = 0;
-
-    // The field's value as edited text; the engine writes it after every handled key.
-    virtual QString storedText() const = 0;
-    virtual void setStoredText(const QString &text) = 0;
-    // The matching list row; for a boolean field 0 = true, 1 = false, 2 = empty.
-    virtual qint16 listIndex() const = 0;
-    virtual void setListIndex(qint16 index) = 0;
-
-    // The field's display formatter (the field itself, not a list column).
-    virtual QString displayText(const QString &value) = 0;
+    virtual ~EditServices() = default;
     virtual void warningBeep() = 0;
-    virtual void reportError(int number, const QString &value) = 0;
-    // Focus moves to the next / previous control, taking effect after the current key.
-    virtual void sendTab() = 0;
-    virtual void sendShiftTab() = 0;
-    // Drops the lookup list down.
-    virtual void dropDown() = 0;
-    // A complete value pasted whole (a date such as 24.12.2005 or 2005-12-24, a number
-    // such as "1 234,50"): the edited text it stands for in this field, or a null
-    // QString when the text is not such a value for the field's input type.
-    virtual QString wholeValueText(const QString &pasted) = 0;
     // The keyboard's Insert toggle, shared by every field.
     virtual bool insertToggled() const = 0;
     virtual void setInsertToggled(bool on) = 0;
+    virtual QString clipboardText() const = 0;
+    virtual void setClipboardText(const QString &text) = 0;
+};
 
-    // The field's events; the host may change the arguments.
-    virtual void raiseKeyDown(int &keyCode, int &shift) = 0;
-    virtual void raiseKeyPress(int &keyAscii) = 0;
-    virtual void raiseKeyUp(int &keyCode, int &shift) = 0;
-    virtual void raiseArrowAction(int &arrow) = 0;
+enum class FocusMove { None, Next, Previous };
+
+// What one edit did. The field writes the box once, stores the text, then raises and
+// does the rest in this order: ArrowAction, the reports, the focus move, the drop-down.
+struct EditOutcome
+{
+    EditState box;
+    QString stored; // the field's stored text
+    bool textChanged = false;
+    std::optional<qint16> listIndex; // a boolean field's new state
+    std::optional<int> arrowKey; // ArrowAction is raised for this key
+    QList<Report> reports;
+    FocusMove move = FocusMove::None;
+    bool dropDown = false;
 };
 
 class KeyEngine
 {
 public:
-    KeyEngine(EditHost &host, EditBox &box);
+    explicit KeyEngine(EditServices &services);
 
-    // Key-down phase of a key in the edit box. On return keyCode is 0 when the key
-    // was handled; otherwise the key may reach the edit box itself.
-    void keyDown(int &keyCode, int &shift);
-    // Character phase of a key typed into the edit box: raises KeyPress, then the entry
-    // rule of the input type. keyAscii ends as 0: the box never inserts by itself.
-    void keyPress(int &keyAscii);
-    void keyUp(int &keyCode, int &shift);
-    // Feeds one character as if typed, without raising KeyPress.
-    void doKeyPress(int &keyAscii);
-    // Text committed by an input method: each character goes through the character phase.
-    void commitText(const QString &text);
-
-    // The edit box receives the focus.
-    void enterField();
-    void changeInsertMode();
-    bool insMode() const { return m_insMode; }
-    // InsMode Let: stores and shows or hides the overwrite caret.
-    void setInsMode(bool on);
-
-    void cutText();
-    void pasteText();
-    void undo();
-    void redo();
-    bool canUndo() const;
-    bool canRedo() const;
+    // Key-down phase (KeyDown already raised). keyCode ends as 0 when the key was
+    // handled; otherwise the key may reach the edit box itself.
+    EditOutcome keyDown(const EditSettings &s, const EditState &box, int &keyCode, int &shift);
+    // Character phase of one typed character (KeyPress already raised), and DoKeyPress.
+    // A code outside 0..0xFFFF counts as the character 0, which every rule refuses.
+    EditOutcome keyPress(const EditSettings &s, const EditState &box, int key);
+    // Characters that arrive together (an input-method commit) as one edit: each goes
+    // through the entry rule as if typed.
+    EditOutcome typeText(const EditSettings &s, const EditState &box, QStringView keys);
+    EditOutcome cutText(const EditSettings &s, const EditState &box);
+    EditOutcome pasteText(const EditSettings &s, const EditState &box);
+    EditOutcome undo(const EditSettings &s, const EditState &box);
+    EditOutcome redo(const EditSettings &s, const EditState &box);
+    bool canUndo() const { return !m_undo.empty(); }
+    bool canRedo() const { return !m_redo.empty(); }
     // Forgets the edit history (the host set a new value).
     void clearHistory();
 
-    // Numeric entry preparation: normalises the leading zeros of the stored text.
-    void trimLeadingZeros();
+    // The edit box receives the focus: the stored text is shown for editing.
+    EditOutcome enterField(const EditSettings &s, const EditState &box, const QString &stored);
+    void changeInsertMode(InpType type);
+    bool insMode() const { return m_insMode; }
+    // InsMode let: stores the mode and shows or hides the overwrite caret.
+    EditOutcome setInsMode(const EditSettings &s, const EditState &box, bool on);
 
     qint16 selAnchor() const { return m_selAnchor; }
 
+    // The numeric entry preparation: leading zeros of a stored text normalised.
+    static QString withoutLeadingZeros(const QString &stored);
+
 private:
-    struct Snapshot
-    {
-        QString text;
-        int selStart = 0;
-        int selLength = 0;
-    };
-    // Records one edit of the field for undo: the outermost scope compares the text
-    // before and after.
-    struct EditScope
-    {
-        explicit EditScope(KeyEngine &engine) : engine(engine) { engine.beginEdit(); }
-        ~EditScope() { engine.endEdit(); }
-        EditScope(const EditScope &) = delete;
-        EditScope &operator=(const EditScope &) = delete;
-        KeyEngine &engine;
-    };
+    // How the numeric rule judged a character.
+    enum class Entry { Accepted, Refused, RefusedWithMessage };
     struct NumPlaces
     {
         int integer = 0;
         int decimal = 0;
     };
+    // Digits before and after the first decimal separator of a numeric text.
+    struct DigitCount
+    {
+        int integer = 0;
+        int decimal = 0;
+        int separator = -1; // position of the first decimal separator
+    };
+    struct Removed // a selection taken out in place, to put back on refusal
+    {
+        int start = 0;
+        QString text;
+        int selLength = 0;
+    };
+
+    // One edit from start to outcome (KeyDispatch.cpp).
+    void begin(const EditSettings &s, const EditState &box);
+    EditOutcome end();
 
     // Key dispatch and caret (KeyDispatch.cpp)
     void dispatchKeyDown(int &keyCode, int &shift);
+    void typeKey(char16_t key);
     void finishKey();
     void doArrowAction(int &keyCode, int &shift);
-    void doEnterAction(int &keyCode);
+    void doEnterAction();
     void showOverwriteCaret();
-    void deleteSelection();
+    Removed deleteSelection();
+    void putBack(const Removed &removed);
     bool realSelection() const;
     bool changeable() const;
-    int textLength() const;
-    static int takeKey(int *keyObject, int plainKey);
+    bool landable() const;
     // Runs the entry rule of the input type; false when the rule refused the key.
-    bool entryRule(int *keyObject, int plainKey);
-    // Services that a paste holds back until it knows whether it stands.
+    bool entryRule(char16_t key);
     void warningBeep();
-    void reportError(int number, int value);
+    void report(int number, int value);
     void sendTab();
 
     // Numeric entry (NumericEntry.cpp)
-    bool numKeyPress(int *keyObject, int plainKey);
-    void numKeyDown(int &keyCode);
-    NumPlaces numPlaces(const QString &candidate) const;
+    Entry numKeyPress(char16_t key);
+    void numDelete(bool isDelete);
+    DigitCount digitCount();
+    NumPlaces counted(DigitCount digits) const;
+    NumPlaces numPlaces(QStringView candidate) const;
     bool numFull(NumPlaces places) const;
-    int checkNumDigits(const QString &candidate);
+    bool checkNumDigits(NumPlaces places, bool caretAtEnd);
     bool decimalSeparatorAllowed() const;
 
     // Date entry (DateEntry.cpp)
-    bool dateKeyPress(int *keyObject, int plainKey);
-    void dateKeyDown(int &keyCode);
+    bool dateKeyPress(char16_t key);
+    void dateDelete(bool isDelete);
     void skipDateSeparator(int direction);
-    bool dateTextValid(const QString &candidate) const;
-    bool checkDateText(const QString &candidate);
+    bool dateTextValid(QStringView candidate) const;
     void dateAutoTab();
 
     // Alphanumeric and boolean entry (TextEntry.cpp)
-    bool alfaNumKeyPress(int *keyObject, int plainKey);
-    void alfaNumKeyDown(int &keyCode);
-    bool boolKeyPress(int *keyObject, int plainKey);
-    void boolKeyDown(int &keyCode);
+    bool alfaNumKeyPress(char16_t key);
+    void alfaNumDelete(bool isDelete);
+    QString shown(const QString &text) const;
+    bool plainDisplay() const;
+    bool boolKeyPress(char16_t key);
+    void boolDelete();
 
     // Cut and paste (Clipboard.cpp)
-    bool wholeValueFits(const QString &value) const;
-    void pasteCharacters(const QString &text);
+    void cut();
+    void paste(QString pasted);
+    bool wholeValueFits(const QString &value);
+    void pasteCharacters(QStringView text);
+    void typeCharacters(QStringView keys);
 
     // Edit history (History.cpp)
-    Snapshot current() const;
-    void restore(const Snapshot &snapshot);
-    void beginEdit();
-    void endEdit();
-    void moveHistory(std::vector<Snapshot> &from, std::vector<Snapshot> &to);
+    void moveHistory(std::vector<EditState> &from, std::vector<EditState> &to);
 
-    EditHost &m_host;
-    EditBox &m_box;
+    EditServices &m_services;
+    const EditSettings *m_s = nullptr; // the settings of the edit under way
+    EditBox m_box;
+    EditOutcome m_out;
+    EditState m_before;
+    bool m_historyMoved = false;
+    bool m_filterStored = false; // a numeric cut stores only what a number is made of
     bool m_insMode = false;
     qint16 m_selAnchor = 0;
-    std::vector<Snapshot> m_undo;
-    std::vector<Snapshot> m_redo;
-    Snapshot m_beforeEdit;
-    int m_editDepth = 0;
-    bool m_historyMoved = false;
-    bool m_holdBack = false; // a paste is running: tones, messages and Tab wait
+    std::vector<EditState> m_undo;
+    std::vector<EditState> m_redo;
+    bool m_holdBack = false; // characters typed together: tones, messages and Tab wait
     bool m_heldTab = false;
+    bool m_collapse = false; // characters typed in one burst: one tone, each message once
+    bool m_toneHeld = false;
+    // The digit count of the numeric text, valid while the box's version stands.
+    DigitCount m_digits;
+    quint64 m_digitsVersion = ~quint64(0);
 };
 
 } // namespace velmora::detail

@@ -2,6 +2,7 @@
 // the integer and decimal places of the format counted under ControlLength.
 
 #include "KeyEngine.h"
+#include "format/Text.h"
 
 namespace velmora::detail {
 
@@ -22,27 +23,38 @@ bool hasSign(QStringView text)
 bool KeyEngine::decimalSeparatorAllowed() const
 {
     // A field without a format takes a decimal separator; its places are still checked.
-    return m_host.formatStr().isEmpty() || m_host.parsedFormat().decimalDigits > 0;
+    return m_s->display.format.isEmpty() || m_s->format().decimalDigits > 0;
 }
 
-// Places before and after the decimal separator; signs, spaces and thousands
-// separators do not count.
-KeyEngine::NumPlaces KeyEngine::numPlaces(const QString &candidate) const
+// Everything after the first separator counts as decimal places, a second separator
+// included; signs, spaces and thousands separators do not count.
+KeyEngine::DigitCount KeyEngine::digitCount()
 {
-    const QChar separator = m_host.parsedFormat().decimalSeparator;
-    NumPlaces places;
-    bool afterSeparator = false;
-    for (const QChar c : candidate) {
+    if (m_digitsVersion == m_box.version())
+        return m_digits;
+    const QChar separator = m_s->format().decimalSeparator;
+    DigitCount d;
+    const QString &text = m_box.text();
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
         if (!separator.isNull() && c == separator) {
-            // Everything after the first separator counts as decimal places.
-            if (afterSeparator)
-                ++places.decimal;
-            afterSeparator = true;
+            if (d.separator >= 0)
+                ++d.decimal;
+            else
+                d.separator = int(i);
         } else if (isDigit(c)) {
-            ++(afterSeparator ? places.decimal : places.integer);
+            ++(d.separator >= 0 ? d.decimal : d.integer);
         }
     }
-    switch (m_host.controlLength()) {
+    m_digits = d;
+    m_digitsVersion = m_box.version();
+    return d;
+}
+
+KeyEngine::NumPlaces KeyEngine::counted(DigitCount digits) const
+{
+    NumPlaces places {digits.integer, digits.decimal};
+    switch (m_s->controlLength) {
     case clNone:
         return {};
     case clIntegerPart:
@@ -57,124 +69,140 @@ KeyEngine::NumPlaces KeyEngine::numPlaces(const QString &candidate) const
     return places;
 }
 
+KeyEngine::NumPlaces KeyEngine::numPlaces(QStringView candidate) const
+{
+    const QChar separator = m_s->format().decimalSeparator;
+    DigitCount d;
+    for (const QChar c : candidate) {
+        if (!separator.isNull() && c == separator) {
+            if (d.separator >= 0)
+                ++d.decimal;
+            else
+                d.separator = 0;
+        } else if (isDigit(c)) {
+            ++(d.separator >= 0 ? d.decimal : d.integer);
+        }
+    }
+    return counted(d);
+}
+
 bool KeyEngine::numFull(NumPlaces places) const
 {
-    const ParsedFormat &format = m_host.parsedFormat();
+    const ParsedFormat &format = m_s->format();
     return (format.decimalDigits < 1 && places.integer == format.integerDigits)
         || (format.decimalDigits > 0 && places.decimal == format.decimalDigits);
 }
 
-// 0 when the candidate keeps the places of the format, 3 after a message. The
-// decimal places are tested first: a candidate that breaks both gets one message.
-int KeyEngine::checkNumDigits(const QString &candidate)
+// Whether a candidate keeps the places of the format; a refusal sounds the tone and
+// reports the message. The decimal places are tested first: a candidate that breaks
+// both gets one message.
+bool KeyEngine::checkNumDigits(NumPlaces places, bool caretAtEnd)
 {
-    const ParsedFormat &format = m_host.parsedFormat();
-    const NumPlaces places = numPlaces(candidate);
-    int result = 0;
+    const ParsedFormat &format = m_s->format();
+    bool fits = true;
     if (places.decimal > format.decimalDigits) {
         warningBeep();
-        reportError(8, format.decimalDigits);
-        result = 3;
+        report(8, format.decimalDigits);
+        fits = false;
     } else if (places.integer > format.integerDigits) {
         warningBeep();
-        reportError(9, format.integerDigits);
-        result = 3;
+        report(9, format.integerDigits);
+        fits = false;
     }
     // The Tab is queued, so it lands after the character has been inserted.
-    if (numFull(places) && m_host.autoTab() && m_box.selStart() == textLength())
+    if (numFull(places) && m_s->autoTab && caretAtEnd)
         sendTab();
+    return fits;
+}
+
+KeyEngine::Entry KeyEngine::numKeyPress(char16_t key)
+{
+    const QChar separator = m_s->format().decimalSeparator;
+    const Removed removed = deleteSelection(); // a typed character replaces the selection
+
+    QChar c(key);
+    if (key == u' ')
+        c = QChar(0x00A0);
+    else if ((key == u'.' || key == u',') && !separator.isNull())
+        c = separator; // either key types the field's decimal separator
+
+    if (landable()) {
+        warningBeep();
+        return Entry::Refused;
+    }
+
+    const int start = m_box.selStart();
+    const QStringView text = m_box.text();
+    const bool isSeparator = !separator.isNull() && c == separator;
+    Entry result = Entry::Accepted;
+    if (isDigit(c) || (isSeparator && decimalSeparatorAllowed())) {
+        DigitCount d = digitCount();
+        if (isSeparator && d.separator >= 0) {
+            result = Entry::Refused;
+        } else if (text.size() >= MaxTextLength || hasSign(text.mid(start))) {
+            result = Entry::Refused; // nothing may stand in front of the sign
+        } else {
+            if (isSeparator) {
+                d = DigitCount {int(std::count_if(text.begin(), text.begin() + start, isDigit)),
+                                int(std::count_if(text.begin() + start, text.end(), isDigit)),
+                                start};
+            } else if (d.separator >= 0 && start > d.separator) {
+                ++d.decimal;
+            } else {
+                ++d.integer;
+                if (d.separator >= 0)
+                    ++d.separator;
+            }
+            if (checkNumDigits(counted(d), start == text.size())) {
+                m_box.insert(start, c);
+                m_box.setSelStart(start + 1);
+                m_digits = d;
+                m_digitsVersion = m_box.version();
+                return Entry::Accepted;
+            }
+            result = Entry::RefusedWithMessage;
+        }
+    } else if (c == QLatin1Char('+') || c == QLatin1Char('-')) {
+        if (start != 0 || hasSign(text) || text.size() >= MaxTextLength) {
+            result = Entry::Refused;
+        } else {
+            m_box.insert(start, c);
+            m_box.setSelStart(start + 1);
+            return Entry::Accepted;
+        }
+    } else {
+        result = Entry::Refused;
+    }
+
+    putBack(removed);
+    if (result == Entry::Refused) // a refusal with a message has sounded its own tone
+        warningBeep();
     return result;
 }
 
-bool KeyEngine::numKeyPress(int *keyObject, int plainKey)
+void KeyEngine::numDelete(bool isDelete)
 {
-    const int k = takeKey(keyObject, plainKey);
-    const QChar separator = m_host.parsedFormat().decimalSeparator;
-    const QString before = m_box.text();
-    const int start = m_box.selStart();
-    const int length = m_box.selLength();
-
-    deleteSelection(); // a typed character replaces the selection
-
-    QChar c {char16_t(k)};
-    if (k == ' ')
-        c = QChar(0x00A0);
-    else if ((k == '.' || k == ',') && !separator.isNull())
-        c = separator; // either key types the field's decimal separator
-
-    if (m_host.displayMode() == dmLandable) {
-        warningBeep();
-        return false;
-    }
-
-    const QString text = m_box.text();
-    int result = 0;
-    if (isDigit(c) || (!separator.isNull() && c == separator && decimalSeparatorAllowed())) {
-        if (c == separator && text.contains(separator))
-            result = 1;
-        else if (hasSign(QStringView(text).mid(start)))
-            result = 1; // nothing may stand in front of the sign
-        else
-            result = checkNumDigits(text.left(start) + c + text.mid(start));
-    } else if (c == QLatin1Char('+') || c == QLatin1Char('-')) {
-        result = start != 0 || hasSign(text) ? 1 : 0;
-    } else {
-        result = 2;
-    }
-
-    if (result == 0) {
-        m_box.setText(text.left(start) + c + text.mid(start));
-        m_box.setSelStart(start + 1);
-        return true;
-    }
-    m_box.setText(before);
-    m_box.setSelStart(start);
-    m_box.setSelLength(length);
-    if (result != 3) // the place check has sounded its own tone
-        warningBeep();
-    return false;
-}
-
-void KeyEngine::numKeyDown(int &keyCode)
-{
-    if (keyCode == key::Enter) {
-        doEnterAction(keyCode);
-        return;
-    }
-    if (keyCode != key::Backspace && keyCode != key::Delete)
-        return;
-    const bool isDelete = keyCode == key::Delete;
-    keyCode = 0;
-    if (m_host.displayMode() == dmLandable) {
-        warningBeep();
-        return;
-    }
-    const QString before = m_box.text();
-    const int start = m_box.selStart();
-    const int length = m_box.selLength();
+    const EditState before = m_box.state();
+    const int start = before.selStart;
     if (isDelete) {
-        if (length >= 1) {
+        if (before.selLength >= 1) {
             deleteSelection();
-        } else if (start < before.size()) {
-            m_box.setText(QString(before).remove(start, 1));
+        } else if (start < m_box.size()) {
+            m_box.remove(start, 1);
             m_box.setSelStart(start);
         }
     } else if (!realSelection() && start > 0) {
-        m_box.setText(QString(before).remove(start - 1, 1));
+        m_box.remove(start - 1, 1);
         m_box.setSelStart(start - 1);
     }
     // Removing the decimal separator turns the decimal places into integer places,
     // which may then be too many: such a deletion is undone.
-    if (checkNumDigits(m_box.text()) != 0) {
-        m_box.setText(before);
-        m_box.setSelStart(start);
-        m_box.setSelLength(length);
-    }
+    if (!checkNumDigits(numPlaces(m_box.text()), m_box.selStart() == m_box.size()))
+        m_box.load(before);
 }
 
-void KeyEngine::trimLeadingZeros()
+QString KeyEngine::withoutLeadingZeros(const QString &text)
 {
-    const QString text = m_host.storedText();
     QString sign;
     int zeros = 0;
     qsizetype stop = 0;
@@ -192,7 +220,7 @@ void KeyEngine::trimLeadingZeros()
     // One zero stays in front of a separator or alone: "000" is 0, "-00,5" is -0,5.
     if (!nonZeroDigit && zeros > 0)
         sign += QLatin1Char('0');
-    m_host.setStoredText(sign + text.mid(stop));
+    return stop == 0 ? text : sign + text.mid(stop);
 }
 
 } // namespace velmora::detail

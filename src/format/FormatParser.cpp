@@ -1,5 +1,6 @@
 #include "FormatParser.h"
 #include "Regional.h"
+#include "Text.h"
 
 #include <velmora/StrF.h>
 
@@ -79,6 +80,7 @@ void readSystemNumberSeparators(ParsedFormat &pf, const RegionalSettings &rs,
 {
     // Read off a formatted sample, as the platform renders it.
     const QString sample = formatNumber(1001.1, QStringLiteral("#,###.#"), rs);
+    pf.regional = rs;
     pf.systemThousandsSeparator = charAt1(sample, 2);
     pf.systemDecimalSeparator = charAt1(sample, 6);
     pf.thousandsSeparator = effective(configured.thousands, pf.systemThousandsSeparator);
@@ -89,6 +91,7 @@ void readSystemDateSeparator(ParsedFormat &pf, const RegionalSettings &rs,
                              const ConfiguredSeparators &configured)
 {
     const QString sample = formatDate(QDate(1998, 12, 31), QStringLiteral("dd/mm/yyyy"), rs);
+    pf.regional = rs;
     pf.systemDateSeparator = charAt1(sample, 3);
     pf.dateSeparator = effective(configured.date, pf.systemDateSeparator);
 }
@@ -102,8 +105,10 @@ int parseNumFormat(ParsedFormat &pf, QString &formatStr, const RegionalSettings 
     int integers = 0, decimals = 0;
     bool afterPoint = false;
     auto closeSection = [&] {
-        pf.integerDigits = qint16(std::min<int>(std::max<int>(pf.integerDigits, integers), 32767));
-        pf.decimalDigits = qint16(std::min<int>(std::max<int>(pf.decimalDigits, decimals), 32767));
+        pf.integerDigits
+            = qint16(std::min<int>(std::max<int>(pf.integerDigits, integers), MaxTextLength));
+        pf.decimalDigits
+            = qint16(std::min<int>(std::max<int>(pf.decimalDigits, decimals), MaxTextLength));
     };
     for (QChar c : std::as_const(formatStr)) {
         if (c == QLatin1Char('0') || c == QLatin1Char('9') || c == QLatin1Char('#')) {
@@ -150,7 +155,7 @@ int parseDateFormat(ParsedFormat &pf, QString &formatStr, int slot, const Region
         formatStr = DefaultDateFormat;
 
     QString empty;
-    const int n = std::min<int>(int(formatStr.size()), 32767);
+    const int n = std::min<int>(int(formatStr.size()), MaxTextLength);
     for (int i = 0; i < n; ++i) {
         const QChar c = formatStr.at(i);
         const qint16 p = qint16(i + 1);
@@ -187,7 +192,7 @@ void parseBoolFormat(BoolFormat &bf, QString &formatStr)
     if (formatStr.isEmpty())
         formatStr = DefaultBoolFormat;
     // Formats longer than the split positions can address keep their first 32767 characters.
-    const QString text = formatStr.left(32767);
+    const QString text = formatStr.left(MaxTextLength);
     StrF split;
     QString third;
     split.VratCast(bf.trueText, text, QLatin1Char(';'), 1);

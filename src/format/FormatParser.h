@@ -6,7 +6,7 @@
 
 #include "ParsedFormat.h"
 
-#include <velmora/Platform.h>
+#include <velmora/RegionalSettings.h>
 
 #include <QtCore/QString>
 

@@ -3,7 +3,7 @@
 // The parsed form of a field's format string: what the editing rules and the value
 // conversions read instead of the raw text. Only the format parsers write it.
 
-#include <velmora/Platform.h>
+#include <velmora/RegionalSettings.h>
 
 #include <QtCore/QChar>
 #include <QtCore/QString>
@@ -34,6 +34,9 @@ struct DateLayout
 
 struct ParsedFormat
 {
+    // The regional settings the format was parsed with; the field's conversions read
+    // these, so a value is always read with the separators it was shown with.
+    RegionalSettings regional;
     QChar systemDecimalSeparator;
     QChar systemThousandsSeparator;
     QChar systemDateSeparator;

@@ -1,4 +1,5 @@
 #include "Regional.h"
+#include "Text.h"
 
 #include <algorithm>
 #include <charconv>
@@ -351,11 +352,6 @@ qint64 daysFromCivil(qint64 y, int m, int d)
 }
 
 constexpr qint64 JulianDayOf1970 = 2440588;
-
-QString twoDigits(int n)
-{
-    return QString::number(n).rightJustified(2, QLatin1Char('0'));
-}
 
 QString fourDigitYear(int year)
 {

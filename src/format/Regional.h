@@ -6,7 +6,7 @@
 // the caller whatever the machine's locale is. docs/regional.md lists the accepted
 // forms.
 
-#include <velmora/Platform.h>
+#include <velmora/RegionalSettings.h>
 
 #include <QtCore/QDate>
 #include <QtCore/QString>

@@ -1,4 +1,4 @@
-#include <velmora/Platform.h>
+#include <velmora/RegionalSettings.h>
 
 namespace velmora {
 

@@ -1,5 +1,6 @@
 #include "ValueConversion.h"
 #include "Regional.h"
+#include "Text.h"
 
 #include <velmora/StrF.h>
 
@@ -14,59 +15,20 @@ QString replaceChar(const QString &text, QChar from, QChar to, const QString &se
 {
     if (from.isNull() || to.isNull() || from == to)
         return text;
-    if (sets.isEmpty() || text.size() > 32767) // no neighbour test: every occurrence
+    if (sets.isEmpty() || text.size() > MaxTextLength) // no neighbour test: every occurrence
         return QString(text).replace(from, to);
     return StrF().Nahrad(text, QString(from), QString(to), sets, sets);
 }
 
-QString trimBlanks(const QString &s, bool left, bool right)
-{
-    qsizetype b = 0, e = s.size();
-    if (left)
-        while (b < e && s.at(b) == QLatin1Char(' '))
-            ++b;
-    if (right)
-        while (e > b && s.at(e - 1) == QLatin1Char(' '))
-            --e;
-    return s.mid(b, e - b);
-}
-
 QString trimmed(const QString &s)
 {
-    return trimBlanks(s, true, true);
+    return trimBlanks(s);
 }
 
 const ParsedFormat &parsedOf(const ValueFormat &vf)
 {
     static const ParsedFormat none;
     return vf.parsed ? *vf.parsed : none;
-}
-
-// A part of a date text: its number, whether it was blank, or nothing when it holds
-// anything but digits and blanks.
-struct Part
-{
-    int value = 0;
-    bool blank = true;
-    bool valid = true;
-};
-
-Part readPart(const QString &text, int start, int end)
-{
-    Part part;
-    if (start <= 0 || end < start)
-        return part;
-    for (int i = start; i <= end && i <= text.size(); ++i) {
-        const QChar c = text.at(i - 1);
-        if (c.isDigit() && c.unicode() < 128) {
-            part.blank = false;
-            if (part.value < 100000)
-                part.value = part.value * 10 + c.digitValue();
-        } else if (c != QLatin1Char(' ')) {
-            part.valid = false;
-        }
-    }
-    return part;
 }
 
 void writePart(QString &text, int start, int end, int value)
@@ -77,11 +39,6 @@ void writePart(QString &text, int start, int end, int value)
     QString digits = QString::number(value).rightJustified(width, QLatin1Char('0'));
     digits = digits.right(width);
     text.replace(start - 1, width, digits);
-}
-
-QString twoDigits(int n)
-{
-    return (QStringLiteral("0") + QString::number(n)).right(2);
 }
 
 } // namespace
@@ -165,11 +122,31 @@ QString applyAlfaNumTrim(const QString &text, const ValueFormat &vf)
     return displayText(trimSides(text, vf.trim), vf);
 }
 
+DatePartValue readDatePart(QStringView text, int start, int end)
+{
+    DatePartValue part;
+    if (start <= 0 || end < start)
+        return part; // not in the layout, or written with one letter: never read
+    for (int i = start; i <= end && i <= text.size(); ++i) {
+        const QChar c = text.at(i - 1);
+        if (c >= QLatin1Char('0') && c <= QLatin1Char('9')) {
+            part.blank = false;
+            if (part.value < 100000) // a part this long is no date part anyway
+                part.value = part.value * 10 + (c.unicode() - '0');
+        } else if (c != QLatin1Char(' ')) {
+            part.valid = false;
+        } else {
+            part.gaps = true;
+        }
+    }
+    return part;
+}
+
 DateParts readDateParts(const QString &text, const DateLayout &l)
 {
-    const Part d = readPart(text, l.dayStart, l.dayEnd);
-    const Part m = readPart(text, l.monthStart, l.monthEnd);
-    const Part y = readPart(text, l.yearStart, l.yearEnd);
+    const DatePartValue d = readDatePart(text, l.dayStart, l.dayEnd);
+    const DatePartValue m = readDatePart(text, l.monthStart, l.monthEnd);
+    const DatePartValue y = readDatePart(text, l.yearStart, l.yearEnd);
     DateParts parts;
     parts.day = d.valid ? d.value : -1;
     parts.month = m.valid ? m.value : -1;
@@ -206,11 +183,10 @@ QString textToValue(const QString &text, const ValueFormat &vf, bool isListColum
     case itDate: {
         if (isEmptyDate(text, pf))
             return QString();
-        const DateParts p = readDateParts(text, pf.dateLayout[vf.dateSlot & 1]);
-        const QDate date
-            = (p.day < 0 || p.month < 0 || p.year < 0) ? QDate() : makeDate(p.year, p.month, p.day);
-        // A text that makes no date stays as typed; the exit check reports it.
-        return date.isValid() ? dateToString(date, vf.regional) : trimmed(text);
+        const QDate date = calendarDate(text, pf, vf.dateSlot);
+        // A text that makes no calendar date (a half-typed one, 31.02.2005) is the value
+        // as it stands; the exit check reports it.
+        return date.isValid() ? dateToString(date, vf.regional) : text;
     }
     case itAlfaNum:
         return isListColumn ? displayText(text, vf) : applyAlfaNumTrim(text, vf);
@@ -234,7 +210,22 @@ QString plainNumber(double value)
     return QString::number(value, 'g', 15);
 }
 
-QString sqlValue(const QString &value, const ValueFormat &vf, bool applyTrim)
+QDate calendarDate(const QString &text, const ParsedFormat &pf, int slot)
+{
+    if (isEmptyDate(text, pf))
+        return {};
+    const DateLayout &l = pf.dateLayout[slot & 1];
+    const DatePartValue d = readDatePart(text, l.dayStart, l.dayEnd);
+    const DatePartValue m = readDatePart(text, l.monthStart, l.monthEnd);
+    const DatePartValue y = readDatePart(text, l.yearStart, l.yearEnd);
+    // Every part typed in full: a half-typed year is no year yet.
+    for (const DatePartValue &part : {d, m, y})
+        if (!part.valid || part.blank || part.gaps)
+            return {};
+    return QDate(y.value, m.value, d.value); // invalid for 31.02. and the like: no carrying
+}
+
+QString sqlValue(const QString &value, const ValueFormat &vf)
 {
     const ParsedFormat &pf = parsedOf(vf);
     switch (vf.type) {
@@ -248,16 +239,22 @@ QString sqlValue(const QString &value, const ValueFormat &vf, bool applyTrim)
     case itDate: {
         if (isEmptyDate(value, pf))
             return QString();
-        const DateParts p = readDateParts(value, pf.dateLayout[vf.dateSlot & 1]);
-        return twoDigits(qMax(p.month, 0)) + QLatin1Char('/') + twoDigits(qMax(p.day, 0))
-            + QLatin1Char('/') + QString::number(qMax(p.year, 0));
+        // Only a calendar date becomes a literal; anything else would be a date the
+        // database reads differently or refuses.
+        const QDate date = calendarDate(value, pf, vf.dateSlot);
+        if (!date.isValid())
+            return QString();
+        return twoDigits(date.month()) + QLatin1Char('/') + twoDigits(date.day()) + QLatin1Char('/')
+            + QString::number(date.year());
     }
     case itBool:
         return boolToSql(value, vf.boolFormat);
-    default: {
-        const QString text = applyTrim ? applyAlfaNumTrim(value, vf) : value;
-        return QString(text).replace(QLatin1Char('\''), QStringLiteral("''"));
-    }
+    default:
+        // The value as Value gives it (the pattern was applied when it was shown), from
+        // well-formed text only: a lone surrogate could swallow the doubled quote once
+        // the text is encoded for the database.
+        return wellFormed(trimSides(value, vf.trim))
+            .replace(QLatin1Char('\''), QStringLiteral("''"));
     }
 }
 

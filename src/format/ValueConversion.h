@@ -7,7 +7,7 @@
 
 #include "ParsedFormat.h"
 
-#include <velmora/Platform.h>
+#include <velmora/RegionalSettings.h>
 #include <velmora/Types.h>
 
 #include <QtCore/QDate>
@@ -54,13 +54,32 @@ struct DateParts
 };
 DateParts readDateParts(const QString &text, const DateLayout &layout);
 
+// One part of a date text at the 1-based positions start..end: its number (blanks count
+// as nothing), whether it is all blank, and whether it holds only digits and blanks.
+// A part missing from the layout, or written with one letter, reads as blank.
+struct DatePartValue
+{
+    int value = 0;
+    bool blank = true;
+    bool valid = true;
+    bool gaps = false; // a blank among the places
+};
+DatePartValue readDatePart(QStringView text, int start, int end);
+
+// The calendar date a date text in the layout of slot stands for; an invalid QDate
+// when it is empty, half typed or no calendar date (31.02.2005 is not carried over).
+QDate calendarDate(const QString &text, const ParsedFormat &pf, int slot);
+
 // The empty-date text with the parts of a date written at the positions of a layout.
 QString dateLayoutText(const QDate &date, const ParsedFormat &pf, int slot);
 // Trims blanks on the sides that AlfaNumTrim names.
 QString trimSides(const QString &text, AlfaNumTrim trim);
 
 bool isEmptyDate(const QString &text, const ParsedFormat &pf);
-QString sqlValue(const QString &value, const ValueFormat &vf, bool applyTrim);
+// The value as an SQL literal without quotes, from the stored text: a text field's
+// Value with every apostrophe doubled, a date as mm/dd/yyyy ("" unless it is a calendar
+// date), a number with "." and no grouping, a truth value in its database form.
+QString sqlValue(const QString &value, const ValueFormat &vf);
 QVariant typedValue(const QString &value, const ValueFormat &vf, bool nullable);
 // The plain number a numeric text stands for, "." as decimal point, no grouping.
 QString plainNumber(double value);

@@ -38,13 +38,20 @@ QString messageText(int number, const QString &value)
     }
 }
 
+bool isOn(Switch which, const CheckSwitches &switches)
+{
+    if (which == Switch::ListCheckValue)
+        return switches.checkValues && switches.listCheckValue;
+    return !switches.checkValues || switches.enableEmpty;
+}
+
 std::optional<bool> isSet(const QString &name, const CheckSwitches &switches)
 {
     const QString key = name.trimmed().toUpper();
     if (key == QLatin1String("LISTCHECKVALUE"))
-        return switches.checkValues ? switches.listCheckValue : false;
+        return isOn(Switch::ListCheckValue, switches);
     if (key == QLatin1String("ENABLEEMPTY"))
-        return switches.checkValues ? switches.enableEmpty : true;
+        return isOn(Switch::EnableEmpty, switches);
     return std::nullopt;
 }
 

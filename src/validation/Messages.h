@@ -20,7 +20,12 @@ struct CheckSwitches
     bool enableEmpty = true;
 };
 
-// "ListCheckValue" and "EnableEmpty", in any case and padded with blanks. An unknown
+// The two switches that CheckValues governs: off with CheckValues off, the list check
+// off and empty values allowed.
+enum class Switch { ListCheckValue, EnableEmpty };
+bool isOn(Switch which, const CheckSwitches &switches);
+
+// "ListCheckValue" and "EnableEmpty" by name, in any case and padded with blanks. An unknown
 // name gives nothing: the caller shows unknownSwitchText() and takes it as false.
 std::optional<bool> isSet(const QString &name, const CheckSwitches &switches);
 QString unknownSwitchText(const QString &name);

@@ -16,7 +16,9 @@ namespace velmora::test {
 
 using namespace velmora::detail;
 
-class FakeHost : public EditHost
+// The field around the engine: its settings, its stored text and list state, and the
+// services, each logged.
+class FakeHost : public EditServices
 {
 public:
     InpType type = itAlfaNum;
@@ -31,9 +33,9 @@ public:
     ParsedFormat parsed;
     QString stored;
     qint16 index = -1;
+    QString clipboard;
     QStringList log;
-    int beeps = 0, keyPresses = 0, keyUps = 0;
-    std::function<void(int &, int &)> onKeyDown;
+    int beeps = 0;
 
     FakeHost()
     {
@@ -53,6 +55,29 @@ public:
     void setDateFormat(QString pattern, QChar separator)
     {
         parseDateFormat(parsed, pattern, 0, regional(), {QChar(), QChar(), separator});
+    }
+
+    // "1>": first letter upper case, the rest lower case; ">": all upper case.
+    EditSettings settings() const
+    {
+        EditSettings s;
+        s.type = type;
+        s.mode = mode;
+        s.enterAction = enter;
+        s.arrowAction = arrows;
+        s.controlLength = control;
+        s.setList = list;
+        s.selectText = select;
+        s.autoTab = autoTabOn;
+        s.enableEmpty = enableEmpty;
+        s.runMode = run;
+        s.maxLength = maxLen;
+        s.display.type = type;
+        s.display.format = format;
+        s.display.parsed = &parsed;
+        s.display.boolFormat = parsed.boolFormat;
+        s.display.regional = regional();
+        return s;
     }
 
     // Settings in a few words: a type ("A", "A>", "A1>", "N4.2" for four integer and two
@@ -117,54 +142,10 @@ public:
         }
     }
 
-    InpType inputType() const override { return type; }
-    DisplMode displayMode() const override { return mode; }
-    EntAction enterAction() const override { return enter; }
-    ArrAction arrowAction() const override { return arrows; }
-    ControlLengthConst controlLength() const override { return control; }
-    bool setList() const override { return list; }
-    bool selectText() const override { return select; }
-    bool autoTab() const override { return autoTabOn; }
-    qint16 maxLength() const override { return maxLen; }
-    QString formatStr() const override { return format; }
-    const ParsedFormat &parsedFormat() const override { return parsed; }
-    bool userMode() const override { return run; }
-    bool isSet(const QString &name) override
-    {
-        return name.compare(QLatin1String("EnableEmpty"), Qt::CaseInsensitive) == 0 && enableEmpty;
-    }
-    QString storedText() const override { return stored; }
-    void setStoredText(const QString &text) override { stored = text; }
-    qint16 listIndex() const override { return index; }
-    void setListIndex(qint16 i) override
-    {
-        index = i;
-        log << QStringLiteral("list%1").arg(i);
-    }
-    // "1>": first letter upper case, the rest lower case; ">": all upper case.
-    QString displayText(const QString &value) override
-    {
-        if (type != itAlfaNum)
-            return value;
-        if (format == QLatin1String("1>"))
-            return value.left(1).toUpper() + value.mid(1).toLower();
-        return format == QLatin1String(">") ? value.toUpper() : value;
-    }
     void warningBeep() override
     {
         ++beeps;
         log << QStringLiteral("beep");
-    }
-    void reportError(int number, const QString &value) override
-    {
-        log << QStringLiteral("msg%1(%2)").arg(number).arg(value);
-    }
-    void sendTab() override { log << QStringLiteral("tab"); }
-    void sendShiftTab() override { log << QStringLiteral("backtab"); }
-    void dropDown() override { log << QStringLiteral("drop"); }
-    QString wholeValueText(const QString &pasted) override
-    {
-        return detail::wholeValueText(type, pasted, parsed, regional());
     }
     bool insertToggled() const override { return insert; }
     void setInsertToggled(bool on) override
@@ -172,18 +153,81 @@ public:
         insert = on;
         log << QStringLiteral("ins%1").arg(int(on));
     }
-    void raiseKeyDown(int &keyCode, int &shift) override
+    QString clipboardText() const override { return clipboard; }
+    void setClipboardText(const QString &text) override { clipboard = text; }
+};
+
+// The engine on a field: every edit starts from the box and ends in its outcome, which
+// is applied here as the field applies it, with what the field is asked to do logged.
+struct Rig
+{
+    FakeHost host;
+    EditBox box;
+    KeyEngine core {host};
+
+    void apply(const EditOutcome &o)
     {
-        if (onKeyDown)
-            onKeyDown(keyCode, shift);
+        box.load(o.box);
+        host.stored = o.stored;
+        if (o.listIndex) {
+            host.index = *o.listIndex;
+            host.log << QStringLiteral("list%1").arg(*o.listIndex);
+        }
+        if (o.arrowKey)
+            host.log << QStringLiteral("arrow%1").arg(*o.arrowKey);
+        for (const Report &r : o.reports)
+            host.log << QStringLiteral("msg%1(%2)").arg(r.number).arg(r.value);
+        if (o.move != FocusMove::None)
+            host.log << (o.move == FocusMove::Next ? QStringLiteral("tab")
+                                                   : QStringLiteral("backtab"));
+        if (o.dropDown)
+            host.log << QStringLiteral("drop");
     }
-    void raiseKeyPress(int &) override { ++keyPresses; }
-    void raiseKeyUp(int &, int &) override { ++keyUps; }
-    void raiseArrowAction(int &arrow) override
+
+    struct Engine
     {
-        log << QStringLiteral("arrow%1").arg(arrow);
-        arrow = 0; // must not change the decision
-    }
+        Rig &rig;
+        EditOutcome run(EditOutcome o)
+        {
+            rig.apply(o);
+            return o;
+        }
+        void keyDown(int &code, int &shift)
+        {
+            run(rig.core.keyDown(rig.host.settings(), rig.box.state(), code, shift));
+        }
+        // The field types one character (KeyPress raised) or feeds it (DoKeyPress).
+        void keyPress(int &key)
+        {
+            run(rig.core.keyPress(rig.host.settings(), rig.box.state(), key));
+            key = 0;
+        }
+        void doKeyPress(int &key)
+        {
+            run(rig.core.keyPress(rig.host.settings(), rig.box.state(), key));
+        }
+        void commitText(const QString &text)
+        {
+            run(rig.core.typeText(rig.host.settings(), rig.box.state(), text));
+        }
+        void pasteText() { run(rig.core.pasteText(rig.host.settings(), rig.box.state())); }
+        void cutText() { run(rig.core.cutText(rig.host.settings(), rig.box.state())); }
+        void undo() { run(rig.core.undo(rig.host.settings(), rig.box.state())); }
+        void redo() { run(rig.core.redo(rig.host.settings(), rig.box.state())); }
+        void enterField()
+        {
+            const EditOutcome o
+                = rig.core.enterField(rig.host.settings(), rig.box.state(), rig.host.stored);
+            rig.apply(o);
+            rig.host.stored = o.stored;
+        }
+        void setInsMode(bool on)
+        {
+            run(rig.core.setInsMode(rig.host.settings(), rig.box.state(), on));
+        }
+        bool insMode() const { return rig.core.insMode(); }
+        qint16 selAnchor() const { return rig.core.selAnchor(); }
+    } engine {*this};
 };
 
 } // namespace velmora::test

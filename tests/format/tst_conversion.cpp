@@ -203,7 +203,7 @@ private Q_SLOTS:
     {
         Field f(VFETCH(int, type), VFETCH(QString, format));
         QFETCH(QString, text);
-        QCOMPARE(sqlValue(text, f.vf, true), VFETCH(QString, sql));
+        QCOMPARE(sqlValue(text, f.vf), VFETCH(QString, sql));
         const QVariant got = typedValue(textToValue(text, f.vf), f.vf, VFETCH(bool, nullable));
         QFETCH(QVariant, typed);
         QCOMPARE(got.metaType(), typed.metaType());

@@ -1,0 +1,298 @@
+// The edit box's events: what the field does with keys, input-method text, focus and
+// the mouse, and what it lets the QLineEdit do itself.
+
+#include "EditBoxEvents.h"
+#include "KeyMapping.h"
+#include "Velmora_p.h"
+#include "format/Text.h"
+
+#include <velmora/Platform.h>
+
+#include <QtGui/QKeyEvent>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QMenu>
+
+namespace velmora {
+
+using namespace detail;
+
+namespace {
+
+// Keys that QLineEdit may handle itself: they move, select or copy, never edit.
+bool leavesTextAlone(const QKeyEvent &e)
+{
+    static const QKeySequence::StandardKey editing[] = {
+        QKeySequence::Undo,
+        QKeySequence::Redo,
+        QKeySequence::Cut,
+        QKeySequence::Paste,
+        QKeySequence::Delete,
+        QKeySequence::Backspace,
+        QKeySequence::DeleteStartOfWord,
+        QKeySequence::DeleteEndOfWord,
+        QKeySequence::DeleteEndOfLine,
+        QKeySequence::DeleteCompleteLine,
+        QKeySequence::InsertParagraphSeparator,
+        QKeySequence::InsertLineSeparator,
+    };
+    for (auto key : editing)
+        if (e.matches(key))
+            return false;
+    return true;
+}
+
+bool isTypedText(const QKeyEvent &e)
+{
+    const QString text = e.text();
+    if (text.isEmpty() || !text.at(0).isPrint())
+        return false;
+    const Qt::KeyboardModifiers mods = e.modifiers();
+    const bool ctrl = mods & Qt::ControlModifier;
+    const bool alt = mods & Qt::AltModifier;
+    return ctrl == alt; // plain, or Ctrl+Alt standing for AltGr
+}
+
+} // namespace
+
+namespace detail {
+
+void EditBoxEvents::passOn(QEvent *event)
+{
+    m_passing = true;
+    static_cast<QObject *>(m_field.txtInput)->event(event);
+    m_passing = false;
+}
+
+bool EditBoxEvents::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_field.txtInput || m_passing)
+        return false;
+    switch (event->type()) {
+    case QEvent::KeyPress:
+        return m_field.keyPressed(static_cast<QKeyEvent *>(event));
+    case QEvent::KeyRelease:
+        m_field.keyReleased(static_cast<QKeyEvent *>(event));
+        return false;
+    case QEvent::InputMethod:
+        return m_field.inputMethod(static_cast<QInputMethodEvent *>(event));
+    case QEvent::FocusIn:
+        passOn(event);
+        m_field.focusIn();
+        return true;
+    case QEvent::FocusOut: {
+        passOn(event);
+        // A message box or a popup of the field is not leaving it.
+        const auto reason = static_cast<QFocusEvent *>(event)->reason();
+        if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason)
+            m_field.focusOut();
+        return true;
+    }
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseMove:
+        return m_field.mouse(static_cast<QMouseEvent *>(event));
+    case QEvent::MouseButtonDblClick:
+        return m_field.doubleClick();
+    case QEvent::Drop:
+        return true; // a drop would put text into the box past the rules
+    default:
+        return false;
+    }
+}
+
+} // namespace detail
+
+bool VelmoraPrivate::keyPressed(QKeyEvent *e)
+{
+    if (e->key() == Qt::Key_Tab || e->key() == Qt::Key_Backtab || e->key() == Qt::Key_Escape)
+        return false; // the form's own keys
+    QPointer<Velmora> alive(q);
+    int code = legacyKeyCode(*e);
+    int shift = legacyShift(e->modifiers());
+    {
+        qint16 k = qint16(code), s = qint16(shift);
+        Q_EMIT q->KeyDown(k, s);
+        if (!alive)
+            return true;
+        code = k;
+        shift = s;
+    }
+    if (!apply(engine.keyDown(editSettings(), viewState(), code, shift)))
+        return true;
+    if (code == 0)
+        return true;
+    if (isTypedText(*e))
+        return typeCharacters(e->text(), true) || true;
+    if (!leavesTextAlone(*e))
+        return true;
+    // Movement and selection keys are the box's own; its text must not change.
+    const QString before = txtInput->text();
+    events.passOn(e);
+    if (!alive)
+        return true;
+    if (txtInput->text() != before) {
+        const QSignalBlocker quiet(txtInput);
+        txtInput->setText(before);
+    }
+    // A key the box ignored (F1 at design time, say) goes on to the form: Qt gives it to
+    // the box once more (not to this filter), which ignores it again, and then to the
+    // parent.
+    return e->isAccepted();
+}
+
+bool VelmoraPrivate::typeCharacters(const QString &text, bool raiseKeyPress)
+{
+    QPointer<Velmora> alive(q);
+    const QString typed = wellFormed(text);
+    if (typed.size() == 1) {
+        qint16 k = qint16(typed.at(0).unicode());
+        if (raiseKeyPress) {
+            Q_EMIT q->KeyPress(k);
+            if (!alive)
+                return false;
+        }
+        return apply(engine.keyPress(editSettings(), viewState(), quint16(k)));
+    }
+    // Characters that arrive together are one edit: each raises KeyPress (the host may
+    // change it), then all go through the entry rule and the box is written once.
+    QString keys;
+    keys.reserve(typed.size());
+    for (const QChar c : typed) {
+        qint16 k = qint16(c.unicode());
+        if (raiseKeyPress) {
+            Q_EMIT q->KeyPress(k);
+            if (!alive)
+                return false;
+        }
+        keys += QChar(char16_t(quint16(k)));
+    }
+    return apply(engine.typeText(editSettings(), viewState(), keys));
+}
+
+void VelmoraPrivate::keyReleased(QKeyEvent *e)
+{
+    qint16 k = qint16(legacyKeyCode(*e)), s = qint16(legacyShift(e->modifiers()));
+    Q_EMIT q->KeyUp(k, s);
+}
+
+bool VelmoraPrivate::inputMethod(QInputMethodEvent *e)
+{
+    if (e->commitString().isEmpty())
+        return false;
+    const QString committed = e->commitString();
+    e->setCommitString(QString());
+    QPointer<Velmora> alive(q);
+    events.passOn(e); // the rest of the event (the preedit text) is the box's
+    if (alive)
+        typeCharacters(committed, true);
+    return true;
+}
+
+void VelmoraPrivate::focusIn()
+{
+    if (set.displayMode == dmChangeable)
+        look.setHighlight(true);
+    val.hasFocus = true;
+    val.lastValue = q->varValue();
+    apply(engine.enterField(editSettings(), viewState(), val.text), Origin::Shown);
+}
+
+void VelmoraPrivate::focusOut()
+{
+    if (!q->isVisible())
+        return;
+    const Completion c
+        = completeEntry(txtInput->text(), valueSettings(), Platform::instance().today());
+    if (c.shown && !writeText(*c.shown, c.stored.value_or(val.text), Origin::Shown))
+        return;
+    if (!valueChangedCheck())
+        return;
+    if (!val.changed)
+        changedGet();
+    val.exitText = val.text;
+    val.hasFocus = false;
+    if (set.displayMode == dmChangeable)
+        look.setHighlight(false);
+    lblVis->setText(txtInput->text());
+}
+
+bool VelmoraPrivate::mouse(QMouseEvent *e)
+{
+    qint16 button = qint16((e->buttons() | e->button()) & 7);
+    qint16 shift = qint16(legacyShift(e->modifiers()));
+    float x = float(e->position().x()), y = float(e->position().y());
+    switch (e->type()) {
+    case QEvent::MouseButtonPress:
+        Q_EMIT q->MouseDown(button, shift, x, y);
+        // Pasting the selection with the middle button would pass the rules by.
+        return e->button() == Qt::MiddleButton;
+    case QEvent::MouseButtonRelease: {
+        const bool inside = txtInput->rect().contains(e->position().toPoint());
+        const bool left = e->button() == Qt::LeftButton;
+        QPointer<Velmora> alive(q);
+        Q_EMIT q->MouseUp(button, shift, x, y);
+        if (alive && left && inside)
+            Q_EMIT q->TxtBoxClick();
+        return !alive;
+    }
+    default: {
+        const bool dragging = e->buttons() & Qt::LeftButton;
+        QPointer<Velmora> alive(q);
+        Q_EMIT q->MouseMove(button, shift, x, y);
+        if (!alive)
+            return true;
+        // Moving the mouse over a field in overwrite mode shows the overwrite caret.
+        if (set.displayMode == dmChangeable && engine.insMode() && !txtInput->hasSelectedText()
+            && !dragging)
+            apply(engine.setInsMode(editSettings(), viewState(), true));
+        return false;
+    }
+    }
+}
+
+bool VelmoraPrivate::doubleClick()
+{
+    bool cancel = false;
+    Q_EMIT q->TxtBoxDblClick(cancel);
+    return cancel;
+}
+
+void VelmoraPrivate::contextMenu(const QPoint &pos)
+{
+    // The box's own menu would edit past the rules; this one goes through them.
+    QPointer<Velmora> alive(q);
+    QMenu menu(txtInput);
+    const bool editable = set.displayMode == dmChangeable;
+    const bool selected = txtInput->hasSelectedText();
+    QAction *undo = menu.addAction(Velmora::tr("Zpět"));
+    undo->setEnabled(editable && engine.canUndo());
+    QAction *redo = menu.addAction(Velmora::tr("Znovu"));
+    redo->setEnabled(editable && engine.canRedo());
+    menu.addSeparator();
+    QAction *cut = menu.addAction(Velmora::tr("Vyjmout"));
+    cut->setEnabled(editable && selected);
+    QAction *copy = menu.addAction(Velmora::tr("Kopírovat"));
+    copy->setEnabled(selected);
+    QAction *paste = menu.addAction(Velmora::tr("Vložit"));
+    paste->setEnabled(editable);
+    menu.addSeparator();
+    QAction *all = menu.addAction(Velmora::tr("Vybrat vše"));
+    QAction *chosen = menu.exec(txtInput->mapToGlobal(pos));
+    if (!alive || !chosen)
+        return; // the host may close the form while the menu is open
+    if (chosen == undo)
+        apply(engine.undo(editSettings(), viewState()));
+    else if (chosen == redo)
+        apply(engine.redo(editSettings(), viewState()));
+    else if (chosen == cut)
+        apply(engine.cutText(editSettings(), viewState()));
+    else if (chosen == copy)
+        txtInput->copy();
+    else if (chosen == paste)
+        apply(engine.pasteText(editSettings(), viewState()));
+    else if (chosen == all)
+        txtInput->selectAll();
+}
+
+} // namespace velmora
