@@ -5,6 +5,9 @@
 // the checks that must hold after every operation whatever the keys were.
 
 #include "FakeHost.h"
+#include "format/Text.h"
+
+#include <QtCore/QElapsedTimer>
 
 namespace velmora::test::fuzz {
 
@@ -33,8 +36,10 @@ struct Op
             = {"keyDown", "keyPress", "doKeyPress", "commit", "paste",     "cut",
                "select",  "insMode",  "undo",       "redo",   "enterField"};
         QString s = QString::fromLatin1(names[kind]) + QStringLiteral("(%1,%2").arg(a).arg(b);
-        for (const QChar c : text)
+        for (const QChar c : QStringView(text).left(16))
             s += QStringLiteral(",U+%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
+        if (text.size() > 16)
+            s += QStringLiteral(",... %1 in all").arg(text.size());
         return s + QLatin1Char(')');
     }
 };
@@ -125,9 +130,35 @@ inline QString initialText(const FakeHost &host, int choice)
 }
 
 // pick(n) returns a number from 0 to n - 1.
+// Texts no user means to type: lone surrogates, NUL, combining marks, right-to-left
+// text and runs of thousands of characters.
+template<class Pick>
+QString hostileText(Pick &pick)
+{
+    static const char16_t pieces[][4] = {{0xD800, 0},
+                                         {0xDC00, '\'', 0},
+                                         {0, 0},
+                                         {'e', 0x0301, 0x0302, 0},
+                                         {0x05D0, 0x200F, '1', 0},
+                                         {0x202E, 'a', 0}};
+    QString text;
+    for (int n = 1 + pick(4); n > 0; --n) {
+        const int which = pick(int(std::size(pieces)) + 1);
+        if (which == int(std::size(pieces)))
+            text += QString(1 + pick(30000), alphabet().at(pick(int(alphabet().size()))));
+        else if (which == 2)
+            text += QChar(u'\0');
+        else
+            text += QString::fromUtf16(pieces[which]);
+    }
+    return text;
+}
+
 template<class Pick>
 QString randomText(Pick &pick)
 {
+    if (pick(100) == 0)
+        return hostileText(pick);
     if (pick(3) == 0)
         return pasteValues().at(pick(int(pasteValues().size())));
     QString text;
@@ -194,7 +225,7 @@ public:
     {
         host.configure(setup);
         host.stored = initialText(host, initialChoice);
-        host.clipboard = clipboard;
+        host.clipboard = wellFormed(capped(clipboard)); // as the field reads its clipboard
         engine.enterField();
         const QString text = box.text();
         m_layoutHeld = sameLayout(text);
@@ -205,6 +236,9 @@ public:
     // An empty text when every check holds, else what broke.
     QString apply(const Op &op)
     {
+        QElapsedTimer timer;
+        timer.start();
+        std::optional<QString> typedOneByOne;
         const QString before = box.text();
         const int start = box.selStart(), length = box.selLength(), beeps = host.beeps;
         bool handledKey = true;
@@ -215,25 +249,33 @@ public:
             break;
         }
         case Op::KeyPress: {
-            int k = op.a;
+            int k = asTyped(op.a);
             engine.keyPress(k);
             break;
         }
         case Op::DoKeyPress: {
-            int k = op.a;
+            int k = asTyped(op.a);
             engine.doKeyPress(k);
             break;
         }
-        case Op::Commit:
-            engine.commitText(op.text);
+        case Op::Commit: {
+            const QString text = wellFormed(patterned() ? op.text.left(2000) : op.text);
+            typedOneByOne = oneByOne(text);
+            engine.commitText(text);
             break;
+        }
         default:
             handledKey = false;
             break;
         }
         switch (op.kind) {
         case Op::Paste:
-            host.clipboard = op.text;
+            host.clipboard = wellFormed(capped(op.text));
+            if (patterned())
+                host.clipboard.truncate(2000); // see patterned()
+            // A date or number pasted whole is not typed; any other paste is.
+            if (wholeValueText(host.type, host.clipboard, host.parsed, host.regional()).isNull())
+                typedOneByOne = oneByOne(host.clipboard);
             engine.pasteText();
             break;
         case Op::Cut:
@@ -259,8 +301,17 @@ public:
             break;
         }
 
+        // A string pattern renders the whole text for every character typed: a long paste
+        // into such a field without MaxLength is the one that may take its time.
+        if (!patterned() && timer.elapsed() > 250)
+            return QStringLiteral("an operation took %1 ms").arg(timer.elapsed());
         const QString text = box.text();
         const int s = box.selStart(), l = box.selLength();
+        if (!isWellFormed(text) && isWellFormed(before))
+            return QStringLiteral("the text is not well formed");
+        const bool pasteStood = op.kind == Op::Paste && host.beeps == beeps && text != before;
+        if (typedOneByOne && (op.kind == Op::Commit || pasteStood) && text != *typedOneByOne)
+            return QStringLiteral("differs from typing one by one: ") + *typedOneByOne;
         if (s < 0 || l < 0 || s + l > text.size())
             return QStringLiteral("caret or selection outside the text");
         if (handledKey && host.stored != text)
@@ -297,6 +348,42 @@ public:
     Rig::Engine &engine = rig.engine;
 
 private:
+    // A string pattern renders the whole text for every character typed: a long paste
+    // into such a field without MaxLength costs its length squared, so its texts are
+    // kept short here and it has no time limit.
+    bool patterned() const
+    {
+        return host.type == itAlfaNum && !host.format.isEmpty() && host.maxLen == 0;
+    }
+
+    // The field takes a lone surrogate unit as the replacement character.
+    static int asTyped(int key)
+    {
+        return key >= 0 && key <= 0xFFFF && QChar::isSurrogate(char32_t(key)) ? 0xFFFD : key;
+    }
+
+    // The text that typing the characters one by one would give, on a twin of the field.
+    // Only short texts of characters that are typed as they are: a paste handles line
+    // breaks and whole values of its own.
+    std::optional<QString> oneByOne(const QString &keys) const
+    {
+        if (keys.size() > 40 || host.type == itBool)
+            return std::nullopt;
+        for (const QChar c : keys)
+            if (c.unicode() < 32 || c.isSurrogate()) // a pair is typed as one, not unit by unit
+                return std::nullopt;
+        Rig twin;
+        twin.host = host;
+        twin.box = box;
+        twin.engine.setInsMode(engine.insMode());
+        twin.box = box;
+        for (const QChar c : keys) {
+            int k = c.unicode();
+            twin.engine.keyPress(k);
+        }
+        return twin.box.text();
+    }
+
     bool sameLayout(const QString &text) const
     {
         if (host.type != itDate)

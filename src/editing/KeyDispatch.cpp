@@ -21,6 +21,10 @@ void KeyEngine::begin(const EditSettings &s, const EditState &box)
 EditOutcome KeyEngine::end()
 {
     m_out.box = m_box.state();
+    // A key that types over or deletes one half of a surrogate pair leaves the other
+    // half alone; it becomes the replacement character, in place.
+    if (!isWellFormed(m_out.box.text))
+        m_out.box.text = wellFormed(m_out.box.text);
     m_out.textChanged = m_out.box.text != m_before.text;
     if (m_out.textChanged && !m_historyMoved) {
         if (m_undo.size() >= 100)

@@ -5,7 +5,7 @@ namespace velmora::detail {
 namespace {
 bool isRemovedControl(char16_t c)
 {
-    return (c < 0x20 && c != u'\t') || c == 0x7F;
+    return (c < 0x20 && c != u'\t') || (c >= 0x7F && c <= 0x9F); // C0, DEL and C1
 }
 } // namespace
 

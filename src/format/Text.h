@@ -15,7 +15,7 @@ constexpr int MaxPosition = MaxTextLength;
 QString capped(const QString &text);
 
 // Every text that enters a field passes here: a lone UTF-16 surrogate becomes U+FFFD,
-// NUL and the other control characters except tab are removed. A surrogate pair is
+// NUL and the other control characters (C0, DEL, C1) except tab are removed. A surrogate pair is
 // kept, so the result is valid UTF-16 that every database encoding can take whole.
 QString wellFormed(const QString &text);
 // Whether wellFormed(text) == text.
