@@ -112,7 +112,7 @@ start_server() {
   stop_server # what an interrupted run left behind
   [ -x "$PGBIN/initdb" ] || { echo "pg-server: no $PGBIN/initdb (install postgresql)" >&2; exit 1; }
 
-  data=$(mktemp -d "${TMPDIR:-/tmp}/velmora-pg.XXXXXX")
+  data=$(mktemp -d -t velmora-pg.XXXXXX)
   echo "$data" >"$dir/datadir"
   echo "$data" >>"$dir/servers"
   [ "$(id -u)" -ne 0 ] || chown postgres:postgres "$data"
