@@ -9,16 +9,36 @@ ASAN_BUILD=${ASAN_BUILD:-build-asan}
 JOBS=${JOBS:-$(nproc)}
 export QT_QPA_PLATFORM=offscreen
 
+# Runs ctest in build folder $1 with the environment settings that follow. Each run
+# starts its own PostgreSQL server and stops it at the end (the fixture tests
+# pg_start and pg_stop); any server it started that still runs fails the run.
+run_ctest() {
+  local build=$1 rc=0 data
+  shift
+  (cd "$build" && env "$@" ctest --output-on-failure) || rc=$?
+  local started=$build/tests/pg/servers
+  if [ -f "$started" ]; then
+    while read -r data; do
+      if pgrep -f -- "$data/db" >/dev/null; then
+        echo "run-tests: a PostgreSQL test server still runs in $data" >&2
+        rc=1
+      fi
+    done <"$started"
+    rm -f "$started"
+  fi
+  return $rc
+}
+
 cmake -S . -B "$BUILD" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build "$BUILD" -j "$JOBS"
 
 for lang in cs_CZ.UTF-8 C; do
   echo "== tests under LANG=$lang"
-  (cd "$BUILD" && LANG=$lang LC_ALL= ctest --output-on-failure)
+  run_ctest "$BUILD" LANG=$lang LC_ALL=
 done
 
 echo "== tests built with -fsanitize=address,undefined"
 cmake -S . -B "$ASAN_BUILD" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DVELMORA_SANITIZE=ON >/dev/null
 cmake --build "$ASAN_BUILD" -j "$JOBS"
-(cd "$ASAN_BUILD" && UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
-   ASAN_OPTIONS=detect_leaks=0 VELMORA_FUZZ_SEQUENCES=40000 ctest --output-on-failure)
+run_ctest "$ASAN_BUILD" UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 ASAN_OPTIONS=detect_leaks=0 \
+  VELMORA_FUZZ_SEQUENCES=40000
