@@ -61,11 +61,13 @@ enum Figure { KeysOnly = 0, KeysAndPaint = 1 };
 constexpr int FigureCount = 2;
 const char *const figureNames[FigureCount] = {"keys", "keys+paint"};
 
-// Czech regional settings; tones and message boxes are only counted, never shown.
+// Czech regional settings, read from a Czech QLocale on every call as the default platform
+// reads the system locale, so that a field pays what it pays in an application. Tones and
+// message boxes are only counted, never shown.
 class BenchPlatform : public velmora::Platform
 {
 public:
-    BenchPlatform() { install(this); }
+    BenchPlatform() : m_locale(QLocale::Czech, QLocale::Czechia) { install(this); }
     ~BenchPlatform() override { install(nullptr); }
 
     void beep(int, int) override { ++beeps; }
@@ -74,11 +76,14 @@ public:
     QDateTime now() const override { return QDateTime(today(), QTime(10, 0)); }
     velmora::RegionalSettings regionalSettings() const override
     {
-        return velmora::RegionalSettings::czech();
+        return velmora::RegionalSettings::fromLocale(m_locale);
     }
 
     int beeps = 0;
     int boxes = 0;
+
+private:
+    QLocale m_locale;
 };
 
 // The field paints its frame with a QFrame (sunken styled panel) behind its frameless
@@ -293,6 +298,19 @@ void paintNow(QWidget *window)
     QCoreApplication::sendEvent(window, &update);
 }
 
+// The timed part of one key, kept out of line so that a profiler can be told to count
+// only inside it (valgrind --tool=callgrind --toggle-collect='*timedKey*').
+Q_NEVER_INLINE double timedKey(QWidget *target, QWidget *window, const Key &k, Figure figure)
+{
+    const auto t0 = Clock::now();
+    sendKey(target, k);
+    if (figure == KeysAndPaint)
+        paintNow(window);
+    releaseKey(target, k);
+    const auto t1 = Clock::now();
+    return std::chrono::duration<double, std::micro>(t1 - t0).count();
+}
+
 // Types one word; returns the number of keys sent. The reset and the event processing
 // after the word are not timed.
 size_t typeWord(Case &c, Figure figure, std::vector<double> *samples)
@@ -300,14 +318,9 @@ size_t typeWord(Case &c, Figure figure, std::vector<double> *samples)
     const Word &w = c.words[c.next++ % c.words.size()];
     QWidget *window = c.outer->window();
     for (const Key &k : w) {
-        const auto t0 = Clock::now();
-        sendKey(c.keyTarget, k);
-        if (figure == KeysAndPaint)
-            paintNow(window);
-        releaseKey(c.keyTarget, k);
-        const auto t1 = Clock::now();
+        const double us = timedKey(c.keyTarget, window, k, figure);
         if (samples)
-            samples->push_back(std::chrono::duration<double, std::micro>(t1 - t0).count());
+            samples->push_back(us);
     }
     if (c.firstShown.isNull()) {
         c.firstTyped = textOf(w);
@@ -380,13 +393,16 @@ struct Options
     size_t warmup = 1000;
     int window = 3;
     int maxRounds = 12;
+    QStringList only; // types whose pairs are measured; empty for all
+    std::vector<Figure> figures {KeysOnly, KeysAndPaint};
     bool strict = false;
 };
 
 void usage()
 {
     std::printf("usage: bench_keys [--json FILE] [--keys N] [--block N] [--warmup N]\n"
-                "                  [--window N] [--max-rounds N] [--strict]\n"
+                "                  [--window N] [--max-rounds N] [--only TYPES] [--figure F]\n"
+                "                  [--strict]\n"
                 "  --json FILE       write the results as JSON (default bench-keys.json)\n"
                 "  --keys N          measured keys per widget and figure in a round (1200)\n"
                 "  --block N         keys typed into one widget before the next takes over "
@@ -394,6 +410,9 @@ void usage()
                 "  --warmup N        keys typed into each widget before measuring (1000)\n"
                 "  --window N        rounds whose medians must agree within 5 %% (3)\n"
                 "  --max-rounds N    rounds at most before giving up as noisy (12)\n"
+                "  --only TYPES      measure only these types, comma-separated (numeric, date,\n"
+                "                    text, boolean)\n"
+                "  --figure F        measure only one figure: keys or keys+paint\n"
                 "  --strict          exit with 1 when a pair is over target or noisy\n");
 }
 
@@ -415,7 +434,16 @@ bool parse(const QStringList &args, Options &o)
             o.window = args.at(++i).toInt(&ok);
         else if (a == QLatin1String("--max-rounds") && hasValue)
             o.maxRounds = args.at(++i).toInt(&ok);
-        else if (a == QLatin1String("--strict"))
+        else if (a == QLatin1String("--only") && hasValue)
+            o.only = args.at(++i).split(QLatin1Char(','));
+        else if (a == QLatin1String("--figure") && hasValue) {
+            const QString name = args.at(++i);
+            o.figures.clear();
+            for (int f = 0; f < FigureCount; ++f)
+                if (name == QLatin1String(figureNames[f]))
+                    o.figures.push_back(Figure(f));
+            ok = !o.figures.empty();
+        } else if (a == QLatin1String("--strict"))
             o.strict = true;
         else
             ok = false;
@@ -574,6 +602,23 @@ int main(int argc, char **argv)
         [combo] { return combo->currentText(); }, boolWords());
     pairs.push_back({QStringLiteral("boolean"), boolField, boolAnchor});
 
+    // The widgets of the pairs asked for; the others stay on the form, idle.
+    pairs.erase(std::remove_if(pairs.begin(), pairs.end(),
+                               [&](const Pair &p) {
+                                   return !opt.only.isEmpty() && !opt.only.contains(p.type);
+                               }),
+                pairs.end());
+    if (pairs.empty()) {
+        usage();
+        return 2;
+    }
+    std::vector<Case *> measured;
+    for (const Pair &p : pairs)
+        for (size_t i : {p.field, p.anchor})
+            if (std::find(measured.begin(), measured.end(), &cases[i]) == measured.end())
+                measured.push_back(&cases[i]);
+    const std::vector<Figure> &figures = opt.figures;
+
     form.show();
     QApplication::setActiveWindow(&form);
     if (!QTest::qWaitForWindowActive(&form)) {
@@ -584,11 +629,12 @@ int main(int argc, char **argv)
     const auto started = Clock::now();
 
     // Warm-up: every widget and figure, so that all code paths and caches are hot.
-    for (Case &c : cases) {
-        for (int f = 0; f < FigureCount; ++f) {
+    for (Case *cp : measured) {
+        Case &c = *cp;
+        for (Figure f : figures) {
             if (!focus(c))
                 return 2;
-            typeKeys(c, Figure(f), opt.warmup / FigureCount, nullptr);
+            typeKeys(c, f, opt.warmup / figures.size(), nullptr);
         }
         if (!paintsOnKey(c))
             return 2;
@@ -607,15 +653,15 @@ int main(int argc, char **argv)
     size_t rounds = 0;
     bool stable = false;
     while (!stable && rounds < size_t(opt.maxRounds)) {
-        for (Case &c : cases)
-            for (auto &r : c.rounds)
+        for (Case *c : measured)
+            for (auto &r : c->rounds)
                 r.emplace_back();
         for (size_t b = 0; b < blocks; ++b) {
             const size_t turn = rounds * blocks + b;
-            for (int fi = 0; fi < FigureCount; ++fi) {
-                const Figure f = Figure((fi + turn) % FigureCount);
-                for (size_t i = 0; i < cases.size(); ++i) {
-                    Case &c = cases[(i + turn) % cases.size()];
+            for (size_t fi = 0; fi < figures.size(); ++fi) {
+                const Figure f = figures[(fi + turn) % figures.size()];
+                for (size_t i = 0; i < measured.size(); ++i) {
+                    Case &c = *measured[(i + turn) % measured.size()];
                     if (!focus(c))
                         return 2;
                     std::vector<double> &samples = c.rounds[f].back();
@@ -624,15 +670,15 @@ int main(int argc, char **argv)
             }
         }
         ++rounds;
-        for (Case &c : cases)
-            for (int f = 0; f < FigureCount; ++f)
-                c.medians[f].push_back(medianOf(c.rounds[f].back()));
+        for (Case *c : measured)
+            for (Figure f : figures)
+                c->medians[f].push_back(medianOf(c->rounds[f].back()));
         if (rounds >= window) {
             stable = true;
-            for (const Case &c : cases)
-                for (int f = 0; f < FigureCount; ++f)
+            for (const Case *c : measured)
+                for (Figure f : figures)
                     stable
-                        = stable && spreadOf(c.medians[f], rounds - window, rounds) < StableSpread;
+                        = stable && spreadOf(c->medians[f], rounds - window, rounds) < StableSpread;
         }
     }
     const double seconds = std::chrono::duration<double>(Clock::now() - started).count();
@@ -643,22 +689,22 @@ int main(int argc, char **argv)
         double best = HUGE_VAL;
         for (size_t from = 0; from + window <= rounds; ++from) {
             double worst = 0;
-            for (const Case &c : cases)
-                for (int f = 0; f < FigureCount; ++f)
-                    worst = std::max(worst, spreadOf(c.medians[f], from, from + window));
+            for (const Case *c : measured)
+                for (Figure f : figures)
+                    worst = std::max(worst, spreadOf(c->medians[f], from, from + window));
             if (worst < best) {
                 best = worst;
                 first = from;
             }
         }
     }
-    for (Case &c : cases) {
-        for (int f = 0; f < FigureCount; ++f) {
+    for (Case *c : measured) {
+        for (Figure f : figures) {
             std::vector<double> all;
             for (size_t r = first; r < first + window; ++r)
-                all.insert(all.end(), c.rounds[f][r].begin(), c.rounds[f][r].end());
-            c.stats[f] = statsOf(std::move(all));
-            c.spread[f] = spreadOf(c.medians[f], first, first + window);
+                all.insert(all.end(), c->rounds[f][r].begin(), c->rounds[f][r].end());
+            c->stats[f] = statsOf(std::move(all));
+            c->spread[f] = spreadOf(c->medians[f], first, first + window);
         }
     }
 
@@ -679,7 +725,7 @@ int main(int argc, char **argv)
     for (const Pair &p : pairs) {
         const Case &fc = cases[p.field];
         const Case &ac = cases[p.anchor];
-        for (int f = 0; f < FigureCount; ++f) {
+        for (Figure f : figures) {
             const Stats &fs = fc.stats[f];
             const Stats &as = ac.stats[f];
             const double ratio = fs.median / as.median;
@@ -708,33 +754,33 @@ int main(int argc, char **argv)
     std::printf("\nTargets: median ratio <= %.1f and field p99 <= %.0f us in both figures\n",
                 TargetMedianRatio, TargetP99Us);
     std::printf("First word typed and shown:\n");
-    for (const Case &c : cases)
-        std::printf("  %-36s \"%s\" -> \"%s\"\n", qPrintable(c.title), qPrintable(c.firstTyped),
-                    qPrintable(c.firstShown));
+    for (const Case *c : measured)
+        std::printf("  %-36s \"%s\" -> \"%s\"\n", qPrintable(c->title), qPrintable(c->firstTyped),
+                    qPrintable(c->firstShown));
     std::printf("Warning tones while measuring: %d, message boxes: %d\n",
                 platform.beeps - beepsAfterWarmup, platform.boxes);
     std::printf("Run took %.1f s\n", seconds);
 
     QJsonArray jsonCases;
-    for (const Case &c : cases) {
-        QJsonObject figures;
-        for (int f = 0; f < FigureCount; ++f) {
-            QJsonObject o = statsJson(c.stats[f]);
-            o.insert(QStringLiteral("spread"), c.spread[f]);
+    for (const Case *c : measured) {
+        QJsonObject perFigure;
+        for (Figure f : figures) {
+            QJsonObject o = statsJson(c->stats[f]);
+            o.insert(QStringLiteral("spread"), c->spread[f]);
             QJsonArray medians;
-            for (double m : c.medians[f])
+            for (double m : c->medians[f])
                 medians.append(m);
             o.insert(QStringLiteral("roundMediansUs"), medians);
-            figures.insert(QString::fromLatin1(figureNames[f]), o);
+            perFigure.insert(QString::fromLatin1(figureNames[f]), o);
         }
         jsonCases.append(QJsonObject {
-            {QStringLiteral("id"), c.id},
-            {QStringLiteral("title"), c.title},
+            {QStringLiteral("id"), c->id},
+            {QStringLiteral("title"), c->title},
             {QStringLiteral("kind"),
-             c.isField ? QStringLiteral("field") : QStringLiteral("anchor")},
-            {QStringLiteral("figures"), figures},
-            {QStringLiteral("firstTyped"), c.firstTyped},
-            {QStringLiteral("firstShown"), c.firstShown},
+             c->isField ? QStringLiteral("field") : QStringLiteral("anchor")},
+            {QStringLiteral("figures"), perFigure},
+            {QStringLiteral("firstTyped"), c->firstTyped},
+            {QStringLiteral("firstShown"), c->firstShown},
         });
     }
     const QJsonObject root {
