@@ -135,9 +135,12 @@ int checkAlfaNumFormat(QString &formatStr)
 {
     if (formatStr == QLatin1String("1>"))
         return 0;
+    // A character comes back from the code page as itself, which the format holds, or
+    // as "?": one search for "?" serves every character, so long formats take linear
+    // time.
+    const bool questionMark = formatStr.contains(QLatin1Char('?'));
     for (QChar c : std::as_const(formatStr)) {
-        const QChar back = isAnsiCharacter(c) ? c : QLatin1Char('?');
-        if (!formatStr.contains(back)) {
+        if (!isAnsiCharacter(c) && !questionMark) {
             formatStr.clear();
             return 4;
         }

@@ -554,8 +554,10 @@ std::optional<double> toNumber(const QString &text, const RegionalSettings &rs)
     // When both separators are one character it can only be the decimal point.
     const bool grouped = thousands != decimal;
     const bool blankGroups = isBlankSeparator(thousands);
+    // A blank decimal separator stays the decimal point even when the thousands
+    // separator is another blank.
     auto isGroup = [&](QChar c) {
-        return grouped && (c == thousands || (blankGroups && isBlankSeparator(c)));
+        return grouped && c != decimal && (c == thousands || (blankGroups && isBlankSeparator(c)));
     };
 
     qsizetype i = 0;

@@ -139,6 +139,9 @@ private Q_SLOTS:
         QTest::newRow("character outside the code page") << QStringLiteral("\u6f22@") << 4;
         // The check is deliberately weak: "?" in the format lets any character pass.
         QTest::newRow("question mark lets it pass") << QStringLiteral("\u6f22?") << 0;
+        // One search per character took seconds on a format this long.
+        QTest::newRow("long format with a question mark")
+            << QString(32760, QChar(0x6F22)) + QLatin1Char('?') << 0;
     }
     void alfaNumFormat()
     {

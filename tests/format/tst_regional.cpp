@@ -23,6 +23,7 @@ const RegionalSettings ymd = {u'.', u' ', u'.', RegionalSettings::YearMonthDay};
 const RegionalSettings dotGroups = {u',', u'.', u'.', RegionalSettings::DayMonthYear};
 const RegionalSettings sameSeps = {u',', u',', u'.', RegionalSettings::DayMonthYear};
 const RegionalSettings exotic = {u'ů', QChar(0x00A0), u'ů', RegionalSettings::DayMonthYear};
+const RegionalSettings blankPoint = {u' ', QChar(0x202F), u'.', RegionalSettings::DayMonthYear};
 const RegionalSettings blankDates = {u',', u'.', u' ', RegionalSettings::DayMonthYear};
 const double NaN = qQNaN();
 const double Inf = qInf();
@@ -167,6 +168,7 @@ private slots:
         row("40k decimals underflow", u"0,"_s + QString(39999, u'0') + u'1', cz, 0.0);
         row("non-ascii decimal", u"1\u00a0234ů5"_s, exotic, 1234.5);
         row("equal separators: no grouping", u"1,234,5"_s, sameSeps, NaN);
+        row("blank decimal beside blank groups", u"1\u202f234 5"_s, blankPoint, 1234.5);
     }
     void toNumber()
     {
