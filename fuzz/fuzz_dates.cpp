@@ -1,0 +1,14 @@
+// libFuzzer entry: date reading, dates written to text and read back, and makeDate. The input
+// chooses the settings, values and texts; a broken property aborts with its report.
+
+#include "fuzz/FormatFuzz.h"
+
+#include <fuzzer/FuzzedDataProvider.h>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    using namespace velmora::test::formatfuzz;
+    FuzzedDataProvider input(data, size);
+    return abortIfBroken(
+        dates([&input](int n) { return input.ConsumeIntegralInRange<int>(0, n - 1); }));
+}

@@ -1,0 +1,56 @@
+// The checks of the format fuzzers on a fixed number of pseudo-random inputs per
+// area. The seed is fixed (VELMORA_FUZZ_SEED overrides it) and printed with a failure,
+// so that the input can be replayed.
+
+#include "common/TestRegistry.h"
+#include "format/DataRows.h"
+#include "fuzz/FormatFuzz.h"
+
+#include <QtCore/QElapsedTimer>
+#include <QtTest/QTest>
+
+#include <random>
+
+using namespace velmora::test;
+using Area = QString (*)(const formatfuzz::Pick &);
+Q_DECLARE_METATYPE(Area)
+
+class TestFormatFuzz : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void randomInputs_data()
+    {
+        columns<Area, int>({"area", "inputs"});
+        row("numbers", Area(formatfuzz::numbers), 40000);
+        row("dates", Area(formatfuzz::dates), 80000);
+        row("patterns", Area(formatfuzz::patterns), 25000);
+        row("formats", Area(formatfuzz::formats), 30000);
+    }
+    void randomInputs()
+    {
+        QFETCH(Area, area);
+        QFETCH(int, inputs);
+        const quint32 seed = qEnvironmentVariableIsSet("VELMORA_FUZZ_SEED")
+            ? quint32(qEnvironmentVariableIntValue("VELMORA_FUZZ_SEED"))
+            : 20260517u;
+        std::mt19937 random(seed);
+        const formatfuzz::Pick pick = [&random](int n) {
+            return int(random() % quint32(n));
+        };
+
+        QElapsedTimer timer;
+        timer.start();
+        for (int i = 0; i < inputs; ++i) {
+            const QString broken = area(pick);
+            if (!broken.isEmpty())
+                QFAIL(qPrintable(
+                    QStringLiteral("%1 (seed %2, input %3)").arg(broken).arg(seed).arg(i)));
+        }
+        qInfo("%d inputs in %lld ms (seed %u)", inputs, timer.elapsed(), seed);
+    }
+};
+
+VELMORA_TEST(TestFormatFuzz)
+#include "tst_formatfuzz.moc"
