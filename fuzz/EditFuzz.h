@@ -226,6 +226,8 @@ public:
         host.configure(setup);
         host.stored = initialText(host, initialChoice);
         host.clipboard = wellFormed(capped(clipboard)); // as the field reads its clipboard
+        if (patterned())
+            host.clipboard.truncate(300); // see patterned()
         engine.enterField();
         const QString text = box.text();
         m_layoutHeld = sameLayout(text);
@@ -259,7 +261,7 @@ public:
             break;
         }
         case Op::Commit: {
-            const QString text = wellFormed(patterned() ? op.text.left(2000) : op.text);
+            const QString text = wellFormed(patterned() ? op.text.left(300) : op.text);
             typedOneByOne = oneByOne(text);
             engine.commitText(text);
             break;
@@ -272,7 +274,7 @@ public:
         case Op::Paste:
             host.clipboard = wellFormed(capped(op.text));
             if (patterned())
-                host.clipboard.truncate(2000); // see patterned()
+                host.clipboard.truncate(300); // see patterned()
             // A date or number pasted whole is not typed; any other paste is.
             if (wholeValueText(host.type, host.clipboard, host.parsed, host.regional()).isNull())
                 typedOneByOne = oneByOne(host.clipboard);

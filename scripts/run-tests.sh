@@ -41,4 +41,4 @@ echo "== tests built with -fsanitize=address,undefined"
 cmake -S . -B "$ASAN_BUILD" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DVELMORA_SANITIZE=ON >/dev/null
 cmake --build "$ASAN_BUILD" -j "$JOBS"
 run_ctest "$ASAN_BUILD" UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 ASAN_OPTIONS=detect_leaks=0 \
-  VELMORA_FUZZ_SEQUENCES=40000
+  VELMORA_FUZZ_SEQUENCES=100000

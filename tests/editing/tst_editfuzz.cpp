@@ -27,7 +27,7 @@ void TestEditFuzz::randomSequences()
     // The sanitized run of make test asks for fewer through VELMORA_FUZZ_SEQUENCES.
     const int sequences = qEnvironmentVariableIsSet("VELMORA_FUZZ_SEQUENCES")
         ? qEnvironmentVariableIntValue("VELMORA_FUZZ_SEQUENCES")
-        : 100000;
+        : 200000;
     std::mt19937 random(seed);
     auto pick = [&random](int n) {
         return int(random() % quint32(n));
