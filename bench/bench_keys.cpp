@@ -5,9 +5,10 @@
 // use) sent to the focus widget of a shown form. Two figures per key:
 //   keys        press + release, nothing else: the key as the widget handles it.
 //   keys+paint  press, then the form paints what the key changed, then release. The
-//               paint is the window's own update request sent at once (what Qt does
-//               when it gets round to it, and what QWidget::repaint() does for a whole
-//               window), so only the widgets the key dirtied are painted, as on screen.
+//               paint is the window's update request sent at once, as Qt sends it when
+//               the posted one comes round: only the widgets the key dirtied are painted,
+//               as on screen. (QWidget::repaint() of the window would paint every widget
+//               of the form, the same for field and anchor, and hide the difference.)
 // Between words the box is emptied and pending events are processed, outside the timing,
 // so the text stays short as in real entry.
 //
@@ -17,7 +18,9 @@
 // it does in the field). Every widget is measured in short blocks, in an order that turns
 // with each block, so that load from elsewhere on the machine falls on all of them alike.
 // Rounds repeat until the medians of the last few rounds agree within 5 % for every
-// widget and figure, up to a cap; otherwise the result says "noisy".
+// widget and figure, up to a cap; otherwise the result says "noisy". On a busy machine the
+// time slices of other processes show up as 4 ms keys; pinned to one core at a real-time
+// priority (taskset, chrt) the p99 means something again.
 
 #include <velmora/Platform.h>
 #include <velmora/Types.h>
