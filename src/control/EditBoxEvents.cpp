@@ -69,6 +69,20 @@ bool EditBoxEvents::eventFilter(QObject *watched, QEvent *event)
     if (watched != m_field.txtInput || m_passing)
         return false;
     switch (event->type()) {
+    case QEvent::ShortcutOverride: {
+        // A character typed without Ctrl or Alt is the field's, never a shortcut. The box
+        // would say the same, but only after testing the key against some twenty standard
+        // key sequences, which costs a third of a typed key.
+        auto *e = static_cast<QKeyEvent *>(event);
+        const Qt::KeyboardModifiers mods = e->modifiers();
+        const bool plain
+            = mods == Qt::NoModifier || mods == Qt::ShiftModifier || mods == Qt::KeypadModifier;
+        if (plain && e->key() < Qt::Key_Escape && !m_field.txtInput->isReadOnly()) {
+            e->accept();
+            return true;
+        }
+        return false;
+    }
     case QEvent::KeyPress:
         return m_field.keyPressed(static_cast<QKeyEvent *>(event));
     case QEvent::KeyRelease:
