@@ -238,6 +238,7 @@ void Velmora::setDisplayMode(DisplMode mode)
 {
     d->set.displayMode = mode;
     d->look.applyDisplayState(mode, VisibleByLbl(), d->set.setList);
+    d->lblVis->setText(d->txtInput->text());
     d->notify("DisplayMode");
 }
 
@@ -269,6 +270,7 @@ void Velmora::setVisibleByLbl(bool on)
 {
     d->visibleByLbl = on;
     d->look.applyDisplayState(d->set.displayMode, on, d->set.setList);
+    d->lblVis->setText(d->txtInput->text());
     d->notify("VisibleByLbl");
 }
 

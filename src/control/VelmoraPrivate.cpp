@@ -114,9 +114,10 @@ void VelmoraPrivate::notify(const char *name)
 bool VelmoraPrivate::writeText(const QString &shown, const QString &stored, Origin origin,
                                bool notifyValue, std::optional<EditState> caret)
 {
-    const bool changed = txtInput->text() != shown;
+    const QString before = txtInput->text();
+    const bool changed = before != shown;
     if (changed)
-        txtInput->setText(shown);
+        replaceBoxText(before, shown);
     if (caret) {
         if (caret->selLength > 0)
             txtInput->setSelection(caret->selStart, caret->selLength);
@@ -131,7 +132,7 @@ bool VelmoraPrivate::writeText(const QString &shown, const QString &stored, Orig
         val.number = toNumber(textToValue(stored, fieldFormat()), set.parsed.regional);
     if (origin == Origin::Assigned)
         engine.clearHistory();
-    if (changed)
+    if (changed && lblVis->isVisibleTo(q)) // a hidden label takes the text when shown
         lblVis->setText(shown);
     if (!changed)
         return true;
@@ -140,6 +141,31 @@ bool VelmoraPrivate::writeText(const QString &shown, const QString &stored, Orig
     if (alive && notifyValue)
         notify("Value");
     return alive;
+}
+
+// A key changes a few characters: the box replaces just those, as it does when it edits
+// by itself, instead of laying the whole text out anew.
+void VelmoraPrivate::replaceBoxText(const QString &before, const QString &after)
+{
+    qsizetype head = 0;
+    const qsizetype shorter = qMin(before.size(), after.size());
+    while (head < shorter && before.at(head) == after.at(head))
+        ++head;
+    qsizetype tail = 0;
+    while (tail < shorter - head
+           && before.at(before.size() - 1 - tail) == after.at(after.size() - 1 - tail))
+        ++tail;
+    const qsizetype removed = before.size() - head - tail;
+    const qsizetype added = after.size() - head - tail;
+    constexpr qsizetype SmallEdit = 64;
+    if (txtInput->isReadOnly() || removed > SmallEdit || added > SmallEdit) {
+        txtInput->setText(after);
+        return;
+    }
+    txtInput->setSelection(int(head), int(removed));
+    txtInput->insert(after.mid(head, added));
+    if (txtInput->text() != after) // the box refused part of it (it never should)
+        txtInput->setText(after);
 }
 
 bool VelmoraPrivate::apply(const EditOutcome &o, Origin origin)

@@ -55,6 +55,7 @@ public:
     enum class Origin { Typed, Assigned, Shown };
     bool writeText(const QString &shown, const QString &stored, Origin origin,
                    bool notifyValue = true, std::optional<detail::EditState> caret = {});
+    void replaceBoxText(const QString &before, const QString &after);
     // Applies what an edit of the engine did.
     bool apply(const detail::EditOutcome &outcome, Origin origin = Origin::Typed);
     bool report(int number, const QString &value);
