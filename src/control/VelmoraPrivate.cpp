@@ -118,10 +118,16 @@ bool VelmoraPrivate::writeText(const QString &shown, const QString &stored, Orig
     const bool changed = before != shown;
     if (changed)
         replaceBoxText(before, shown);
+    const auto caretMoves = [&] {
+        const EditState now = viewState();
+        return now.selStart != caret->selStart || now.selLength != caret->selLength;
+    };
     if (caret) {
-        if (caret->selLength > 0)
+        // Each move of the box's caret costs a layout pass: only a caret that is not
+        // already where the edit left it is moved.
+        if (caretMoves() && caret->selLength > 0)
             txtInput->setSelection(caret->selStart, caret->selLength);
-        else
+        else if (caretMoves())
             txtInput->setCursorPosition(caret->selStart);
     } else if (changed) {
         txtInput->setCursorPosition(0);
@@ -162,7 +168,11 @@ void VelmoraPrivate::replaceBoxText(const QString &before, const QString &after)
         txtInput->setText(after);
         return;
     }
-    txtInput->setSelection(int(head), int(removed));
+    // Typing puts the caret (or the overwrite caret's selection) just where the change
+    // goes: then the box is already set up for it.
+    const EditState now = viewState();
+    if (now.selStart != head || now.selLength != removed)
+        txtInput->setSelection(int(head), int(removed));
     txtInput->insert(after.mid(head, added));
     if (txtInput->text() != after) // the box refused part of it (it never should)
         txtInput->setText(after);
