@@ -4,6 +4,8 @@
 
 #include <velmora/StrF.h>
 
+#include <cmath>
+
 namespace velmora::detail {
 
 namespace {
@@ -332,7 +334,16 @@ QString wholeValueText(int type, const QString &pasted, const ParsedFormat &pf,
         // leading sign; an exponent form is written out as a plain number.
         QString plain;
         if (t.contains(QLatin1Char('e'), Qt::CaseInsensitive)) {
-            plain = plainNumber(*n).replace(QLatin1Char('.'), rs.decimalSeparator);
+            // Written out in full: 15 significant digits, never an exponent.
+            const int magnitude = *n == 0 ? 0 : int(std::floor(std::log10(std::abs(*n))));
+            plain = QString::number(*n, 'f', qBound(0, 14 - magnitude, 340));
+            if (plain.contains(QLatin1Char('.'))) {
+                while (plain.endsWith(QLatin1Char('0')))
+                    plain.chop(1);
+                if (plain.endsWith(QLatin1Char('.')))
+                    plain.chop(1);
+            }
+            plain.replace(QLatin1Char('.'), rs.decimalSeparator);
         } else {
             for (QChar c : t) {
                 if (c.isDigit() || c == rs.decimalSeparator)

@@ -270,6 +270,12 @@ private Q_SLOTS:
         QTest::newRow("exponent written out") << int(itNum) << ""
                                               << "1,5e3"
                                               << "1500";
+        QTest::newRow("large exponent written out in full") << int(itNum) << ""
+                                                            << "1e20"
+                                                            << "100000000000000000000";
+        QTest::newRow("small exponent written out in full") << int(itNum) << ""
+                                                            << "-1,5e-7"
+                                                            << "-0,00000015";
         QTest::newRow("no number") << int(itNum) << ""
                                    << "12.5" << QString();
         QTest::newRow("iso date into a month-first layout") << int(itDate) << "mm/dd/yyyy"
