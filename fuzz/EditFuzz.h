@@ -339,6 +339,8 @@ public:
             if (s != start || l != (caret ? 1 : length))
                 return QStringLiteral("refused key moved the caret");
         }
+        if (const QString disagree = formsDisagree(); !disagree.isEmpty())
+            return QStringLiteral("the forms of the value disagree: ") + disagree;
         if (toned && op.kind == Op::Paste && (text != before || s != start || l != length))
             return QStringLiteral("refused paste changed the field");
         return {};
@@ -350,6 +352,49 @@ public:
     Rig::Engine &engine = rig.engine;
 
 private:
+    // Value, varValue and SQLValue of the stored text, as the field makes them, must
+    // tell the same story: a date is a calendar date in all three or in none, a number
+    // is the same number, a text's literal is its Value with apostrophes doubled.
+    QString formsDisagree() const
+    {
+        const EditSettings settings = host.settings();
+        ValueFormat vf = settings.display;
+        vf.regional = host.regional();
+        const QString value = storedValue(host.stored, vf);
+        const QVariant typed = storedTypedValue(host.stored, vf, false);
+        const QString sql = sqlValue(host.stored, vf);
+        switch (host.type) {
+        case itDate: {
+            const QDate date = calendarDate(host.stored, host.parsed, 0);
+            const bool literal = !sql.isEmpty();
+            if (date.isValid() != literal
+                || date.isValid() != (typed.metaType().id() == QMetaType::QDate))
+                return value + QStringLiteral(" / ") + sql;
+            if (date.isValid()
+                && (typed.toDate() != date
+                    || sql
+                        != QStringLiteral("%1/%2/%3")
+                               .arg(date.month(), 2, 10, QLatin1Char('0'))
+                               .arg(date.day(), 2, 10, QLatin1Char('0'))
+                               .arg(date.year())))
+                return value + QStringLiteral(" / ") + sql;
+            return {};
+        }
+        case itNum: {
+            const bool number = typed.metaType().id() == QMetaType::Double;
+            if (number != !sql.isEmpty() || (number && sql.toDouble() != typed.toDouble()))
+                return value + QStringLiteral(" / ") + sql;
+            return {};
+        }
+        case itAlfaNum:
+            return sql == QString(value).replace(QLatin1Char('\''), QStringLiteral("''"))
+                ? QString()
+                : sql;
+        default:
+            return {};
+        }
+    }
+
     // A string pattern renders the whole text for every character typed: a long paste
     // into such a field without MaxLength costs its length squared, so its texts are
     // kept short here and it has no time limit.

@@ -58,7 +58,7 @@ void Velmora::setValue(const QString &value)
 
 QVariant Velmora::varValue() const
 {
-    return typedValue(d->valueGet(), d->fieldFormat(), d->set.nullable);
+    return storedTypedValue(d->val.text, d->fieldFormat(), d->set.nullable);
 }
 
 void Velmora::setvarValue(const QVariant &value)

@@ -233,11 +233,7 @@ bool VelmoraPrivate::report(int number, const QString &value)
 
 QString VelmoraPrivate::valueGet() const
 {
-    // A string pattern is applied once, when the text is shown; the stored text is
-    // already in that form and only the trimming applies.
-    if (set.inputType == itAlfaNum)
-        return trimSides(val.text, set.alfaNumTrim);
-    return textToValue(val.text, fieldFormat());
+    return storedValue(val.text, fieldFormat());
 }
 
 bool VelmoraPrivate::valueLet(const QString &input)
@@ -320,8 +316,7 @@ bool VelmoraPrivate::valueChangedCheck()
 
 QVariant VelmoraPrivate::typedOf(const QString &text) const
 {
-    const ValueFormat vf = fieldFormat();
-    return typedValue(textToValue(text, vf), vf, set.nullable);
+    return storedTypedValue(text, fieldFormat(), set.nullable);
 }
 
 bool VelmoraPrivate::changedGet()

@@ -295,6 +295,21 @@ QVariant typedValue(const QString &value, const ValueFormat &vf, bool nullable)
     }
 }
 
+QString storedValue(const QString &stored, const ValueFormat &vf)
+{
+    // A string pattern is applied once, when the text is shown; the stored text is
+    // already in that form and only the trimming applies.
+    return vf.type == itAlfaNum ? trimSides(stored, vf.trim) : textToValue(stored, vf);
+}
+
+QVariant storedTypedValue(const QString &stored, const ValueFormat &vf, bool nullable)
+{
+    if (vf.type == itDate && vf.parsed && !isEmptyDate(stored, *vf.parsed)
+        && !calendarDate(stored, *vf.parsed, vf.dateSlot).isValid())
+        return QVariant();
+    return typedValue(storedValue(stored, vf), vf, nullable);
+}
+
 std::optional<QString> completeDate(const QString &text, const ValueFormat &vf, const QDate &today)
 {
     const ParsedFormat &pf = parsedOf(vf);

@@ -81,6 +81,10 @@ bool isEmptyDate(const QString &text, const ParsedFormat &pf);
 // date), a number with "." and no grouping, a truth value in its database form.
 QString sqlValue(const QString &value, const ValueFormat &vf);
 QVariant typedValue(const QString &value, const ValueFormat &vf, bool nullable);
+// The field's Value and varValue from its stored text. A date text that is no calendar
+// date is Empty as a typed value, however leniently its parts could be read.
+QString storedValue(const QString &stored, const ValueFormat &vf);
+QVariant storedTypedValue(const QString &stored, const ValueFormat &vf, bool nullable);
 // The plain number a numeric text stands for, "." as decimal point, no grouping.
 QString plainNumber(double value);
 
