@@ -400,7 +400,8 @@ private:
     // kept short here and it has no time limit.
     bool patterned() const
     {
-        return host.type == itAlfaNum && !host.format.isEmpty() && host.maxLen == 0;
+        const bool caseOnly = host.format == QLatin1String(">");
+        return host.type == itAlfaNum && !host.format.isEmpty() && !caseOnly && host.maxLen == 0;
     }
 
     // The field takes a lone surrogate unit as the replacement character.

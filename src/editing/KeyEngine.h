@@ -180,6 +180,7 @@ private:
     void alfaNumDelete(bool isDelete);
     QString shown(const QString &text) const;
     bool plainDisplay() const;
+    std::optional<bool> caseOnlyUpper() const;
     bool boolKeyPress(char16_t key);
     void boolDelete();
 

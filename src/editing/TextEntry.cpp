@@ -12,6 +12,28 @@ bool KeyEngine::plainDisplay() const
     return m_s->display.format.isEmpty();
 }
 
+// A pattern of nothing but "<", ">" and "!" only maps the case of every character, one by
+// one: a typed character is then mapped alone, and the rest of the text, mapped already,
+// stays as it is. A long paste into such a field costs its length, not its square.
+std::optional<bool> KeyEngine::caseOnlyUpper() const
+{
+    const QString &format = m_s->display.format;
+    if (format.isEmpty())
+        return std::nullopt;
+    bool upper = false;
+    for (const QChar c : format) {
+        if (c == QLatin1Char('>'))
+            upper = true;
+        else if (c == QLatin1Char('<'))
+            upper = false; // the last of the two wins
+        else if (c != QLatin1Char('!'))
+            return std::nullopt;
+    }
+    if (!format.contains(QLatin1Char('<')) && !format.contains(QLatin1Char('>')))
+        return std::nullopt;
+    return upper;
+}
+
 QString KeyEngine::shown(const QString &text) const
 {
     return capped(displayText(text, m_s->display));
@@ -37,8 +59,14 @@ bool KeyEngine::alfaNumKeyPress(char16_t key)
         return false;
     }
     const int start = m_box.selStart();
+    const std::optional<bool> upper = caseOnlyUpper();
     if (plainDisplay()) {
         m_box.insert(start, QChar(key));
+    } else if (upper && !QChar::isSurrogate(key)) {
+        const QString one = QString(QChar(key));
+        m_box.replace(start, 0, *upper ? one.toUpper() : one.toLower());
+        if (m_box.size() > MaxTextLength) // as the whole text rendered and cut would be
+            m_box.remove(MaxTextLength, m_box.size() - MaxTextLength);
     } else {
         const QString &text = m_box.text();
         m_box.setText(shown(text.left(start) + QChar(key) + text.mid(start)));

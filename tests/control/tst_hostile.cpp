@@ -143,17 +143,20 @@ private Q_SLOTS:
     void longPasteIsLinear_data()
     {
         QTest::addColumn<InpType>("type");
+        QTest::addColumn<QString>("format");
         QTest::addColumn<QString>("how");
         QTest::addColumn<QString>("start");
         QTest::addColumn<QChar>("character");
         QTest::addColumn<int>("length"); // of the text that results
         for (const char *how : {"paste", "commit"}) {
             QTest::addRow("%s: letters into an empty text", how)
-                << itAlfaNum << how << "" << QChar(u'x') << 32767;
+                << itAlfaNum << "" << how << "" << QChar(u'x') << 32767;
+            QTest::addRow("%s: letters into an upper-case text", how)
+                << itAlfaNum << ">" << how << "" << QChar(u'x') << 32767;
             QTest::addRow("%s: letters into a full text", how)
-                << itAlfaNum << how << QString(32767, u'a') << QChar(u'x') << 32767;
+                << itAlfaNum << "" << how << QString(32767, u'a') << QChar(u'x') << 32767;
             QTest::addRow("%s: digits into an empty number", how)
-                << itNum << how << "" << QChar(u'7') << 32767;
+                << itNum << "" << how << "" << QChar(u'7') << 32767;
         }
     }
     void longPasteIsLinear()
@@ -161,6 +164,7 @@ private Q_SLOTS:
         QFETCH(InpType, type);
         QFETCH(QString, how);
         field->setInputType(type);
+        field->setFormatStr(VFETCH(QString, format));
         field->setValue(VFETCH(QString, start));
         show();
         QTest::keyClick(box(), Qt::Key_End);

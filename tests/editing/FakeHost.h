@@ -57,7 +57,6 @@ public:
         parseDateFormat(parsed, pattern, 0, regional(), {QChar(), QChar(), separator});
     }
 
-    // "1>": first letter upper case, the rest lower case; ">": all upper case.
     EditSettings settings() const
     {
         EditSettings s;
