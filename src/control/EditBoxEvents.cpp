@@ -207,7 +207,6 @@ void VelmoraPrivate::focusIn()
 {
     if (set.displayMode == dmChangeable)
         look.setHighlight(true);
-    val.hasFocus = true;
     val.lastValue = q->varValue();
     apply(engine.enterField(editSettings(), viewState(), val.text), Origin::Shown);
 }
@@ -224,8 +223,6 @@ void VelmoraPrivate::focusOut()
         return;
     if (!val.changed)
         changedGet();
-    val.exitText = val.text;
-    val.hasFocus = false;
     if (set.displayMode == dmChangeable)
         look.setHighlight(false);
     lblVis->setText(txtInput->text());

@@ -52,11 +52,9 @@ struct FieldValue
 {
     QString text; // the stored text; written only where the edit box is written
     QString baseText; // the baseline of Changed
-    QString exitText; // the text as the field was last left
-    qint16 listIndex = -1, baseListIndex = -1, notifiedListIndex = -1;
+    qint16 listIndex = -1, baseListIndex = -1;
     bool changed = false;
     qint16 error = 0;
-    bool hasFocus = false;
     QVariant lastValue; // the typed value ValueChanged last reported
     std::optional<double> number; // the number of a numeric value, kept whole
     quint64 generation = 0; // bumped by every write of the text

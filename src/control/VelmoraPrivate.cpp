@@ -245,14 +245,13 @@ bool VelmoraPrivate::valueLet(const QString &input)
     if (a.show) {
         if (a.clearFirst) {
             // Cleared and shown in one write: the baseline of Changed starts again.
-            val.baseListIndex = val.notifiedListIndex = -1;
+            val.baseListIndex = -1;
         }
         val.listIndex = a.listIndex;
         if (set.inputType == itNum)
             val.number = a.show->number;
         if (!writeText(a.show->shown, a.show->stored, Origin::Assigned, false))
             return false;
-        val.exitText = val.text;
         if (a.clearFirst)
             val.baseText = val.text;
     }
@@ -282,11 +281,11 @@ bool VelmoraPrivate::letValue(const QString &text)
 bool VelmoraPrivate::clear()
 {
     const QString empty = set.inputType == itDate ? set.parsed.emptyDateText : QString();
-    val.listIndex = val.baseListIndex = val.notifiedListIndex = -1;
+    val.listIndex = val.baseListIndex = -1;
     val.number.reset();
     if (!writeText(empty, empty, Origin::Assigned))
         return false;
-    val.exitText = val.baseText = val.text;
+    val.baseText = val.text;
     return true;
 }
 

@@ -4,6 +4,8 @@
 // the value (FieldState.h), the key engine, the look of the inner controls
 // (Appearance.h) and the filter of the edit box's events (EditBoxEvents.h). Every
 // change of the edit box's text goes through writeText(), the one exit of an edit.
+// The lookup list (its rows and window) and the focus lifecycle (the exit check on
+// leaving) are to be owners of their own beside these, reached through the same exit.
 
 #include "Appearance.h"
 #include "EditBoxEvents.h"
