@@ -7,13 +7,14 @@
 
 #include <velmora/Velmora.h>
 
-#include <QtCore/QElapsedTimer>
 #include <QtGui/QClipboard>
 #include <QtGui/QInputMethodEvent>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLineEdit>
+
+#include <ctime>
 
 using namespace velmora;
 
@@ -51,6 +52,15 @@ bool wellFormed(const QString &s)
             return false;
     }
     return true;
+}
+
+// Processor time of a piece of work in milliseconds: a busy machine does not count.
+template<class Work>
+double msOf(Work work)
+{
+    const std::clock_t start = std::clock();
+    work();
+    return 1000.0 * double(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -168,10 +178,8 @@ private Q_SLOTS:
         field->setValue(VFETCH(QString, start));
         show();
         QTest::keyClick(box(), Qt::Key_End);
-        QElapsedTimer timer;
-        timer.start();
-        enter(how, QString(32767, VFETCH(QChar, character)));
-        QVERIFY2(timer.elapsed() < 100 * Slowdown, qPrintable(QString::number(timer.elapsed())));
+        const double ms = msOf([&] { enter(how, QString(32767, VFETCH(QChar, character))); });
+        QVERIFY2(ms < 100 * Slowdown, qPrintable(QString::number(ms)));
         QCOMPARE(field->FormValue().size(), VFETCH(int, length));
     }
 
@@ -180,10 +188,8 @@ private Q_SLOTS:
         field->setInputType(itDate);
         field->setFormatStr(QStringLiteral("dd/mm/yyyy") + QString(32757, u'-'));
         show();
-        QElapsedTimer timer;
-        timer.start();
-        enter(QStringLiteral("commit"), QString(800, u'1'));
-        QVERIFY2(timer.elapsed() < 100 * Slowdown, qPrintable(QString::number(timer.elapsed())));
+        const double ms = msOf([&] { enter(QStringLiteral("commit"), QString(800, u'1')); });
+        QVERIFY2(ms < 100 * Slowdown, qPrintable(QString::number(ms)));
         QVERIFY(field->FormValue().startsWith(QStringLiteral("11.11.1111")));
     }
 
