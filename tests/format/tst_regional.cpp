@@ -1,6 +1,5 @@
 #include "common/TestPlatform.h"
 #include "common/TestRegistry.h"
-#include "format/DataRows.h"
 #include "format/Regional.h"
 
 #include <QtTest/QTest>
@@ -12,8 +11,6 @@ using namespace velmora::detail;
 using velmora::test::columns;
 using velmora::test::row;
 using namespace Qt::StringLiterals;
-
-Q_DECLARE_METATYPE(velmora::RegionalSettings)
 
 namespace {
 const RegionalSettings cz = RegionalSettings::czech(); // thousands U+00A0

@@ -1,5 +1,5 @@
 #include "common/TestRegistry.h"
-#include "format/DataRows.h"
+#include "common/DataRows.h"
 
 #include <velmora/StrF.h>
 
