@@ -271,39 +271,32 @@ bool VelmoraPrivate::doubleClick()
 
 void VelmoraPrivate::contextMenu(const QPoint &pos)
 {
-    // The box's own menu would edit past the rules; this one goes through them.
+    // The box's own menu would edit past the rules; this one goes through them. It
+    // belongs to the box, so it goes with the field if the host closes the form while
+    // the menu is open; its actions are connected to the field for the same reason.
     QPointer<Velmora> alive(q);
-    QMenu menu(txtInput);
+    QPointer<QMenu> menu = new QMenu(txtInput);
     const bool editable = set.displayMode == dmChangeable;
     const bool selected = txtInput->hasSelectedText();
-    QAction *undo = menu.addAction(Velmora::tr("Zpět"));
-    undo->setEnabled(editable && engine.canUndo());
-    QAction *redo = menu.addAction(Velmora::tr("Znovu"));
-    redo->setEnabled(editable && engine.canRedo());
-    menu.addSeparator();
-    QAction *cut = menu.addAction(Velmora::tr("Vyjmout"));
-    cut->setEnabled(editable && selected);
-    QAction *copy = menu.addAction(Velmora::tr("Kopírovat"));
-    copy->setEnabled(selected);
-    QAction *paste = menu.addAction(Velmora::tr("Vložit"));
-    paste->setEnabled(editable);
-    menu.addSeparator();
-    QAction *all = menu.addAction(Velmora::tr("Vybrat vše"));
-    QAction *chosen = menu.exec(txtInput->mapToGlobal(pos));
-    if (!alive || !chosen)
-        return; // the host may close the form while the menu is open
-    if (chosen == undo)
-        apply(engine.undo(editSettings(), viewState()));
-    else if (chosen == redo)
-        apply(engine.redo(editSettings(), viewState()));
-    else if (chosen == cut)
-        apply(engine.cutText(editSettings(), viewState()));
-    else if (chosen == copy)
-        txtInput->copy();
-    else if (chosen == paste)
-        apply(engine.pasteText(editSettings(), viewState()));
-    else if (chosen == all)
-        txtInput->selectAll();
+    const auto add = [&](const char *text, bool enabled, auto run) {
+        QAction *action = menu->addAction(Velmora::tr(text));
+        action->setEnabled(enabled);
+        QObject::connect(action, &QAction::triggered, q, run);
+    };
+    add("Zpět", editable && engine.canUndo(),
+        [this] { apply(engine.undo(editSettings(), viewState())); });
+    add("Znovu", editable && engine.canRedo(),
+        [this] { apply(engine.redo(editSettings(), viewState())); });
+    menu->addSeparator();
+    add("Vyjmout", editable && selected,
+        [this] { apply(engine.cutText(editSettings(), viewState())); });
+    add("Kopírovat", selected, [this] { txtInput->copy(); });
+    add("Vložit", editable, [this] { apply(engine.pasteText(editSettings(), viewState())); });
+    menu->addSeparator();
+    add("Vybrat vše", true, [this] { txtInput->selectAll(); });
+    menu->exec(txtInput->mapToGlobal(pos));
+    if (alive)
+        delete menu;
 }
 
 } // namespace velmora

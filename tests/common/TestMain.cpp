@@ -17,22 +17,17 @@ int main(int argc, char **argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
-
     QStringList args = app.arguments();
-    QString only;
     const qsizetype i = args.indexOf(QStringLiteral("-class"));
-    if (i > 0 && i + 1 < args.size()) {
-        only = args.at(i + 1);
-        args.remove(i, 2);
-    }
-
+    const QString only = i > 0 && i + 1 < args.size() ? args.takeAt(i + 1) : QString();
+    if (!only.isEmpty())
+        args.removeAt(i);
     int failed = 0, ran = 0;
     for (const auto &reg : velmora::test::registry()) {
-        if (!only.isEmpty() && only != QLatin1String(reg.name))
-            continue;
-        auto object = reg.make();
-        failed += QTest::qExec(object.get(), args) != 0 ? 1 : 0;
-        ++ran;
+        if (only.isEmpty() || only == QLatin1String(reg.name)) {
+            failed += QTest::qExec(reg.make().get(), args) != 0 ? 1 : 0;
+            ++ran;
+        }
     }
     std::printf("%d passed, %d failed\n", ran - failed, failed);
     return failed == 0 && ran > 0 ? 0 : 1;

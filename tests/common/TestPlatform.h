@@ -1,11 +1,15 @@
 #pragma once
 
 // A platform for tests: records tones and message boxes instead of showing them,
-// and fixes the clock, the Insert toggle and the regional settings.
+// and fixes the clock and the regional settings.
+
+#include "common/DataRows.h"
 
 #include <velmora/Platform.h>
 
 #include <QtCore/QStringList>
+
+Q_DECLARE_METATYPE(velmora::RegionalSettings)
 
 namespace velmora::test {
 
@@ -14,13 +18,10 @@ class TestPlatform : public Platform
 public:
     struct Box
     {
-        QString text;
-        QString title;
+        QString text, title;
     };
 
-    explicit TestPlatform(const RegionalSettings &rs = RegionalSettings::czech(),
-                          QDate today = QDate(2026, 5, 17))
-        : regional(rs), fixedToday(today)
+    explicit TestPlatform(const RegionalSettings &rs = RegionalSettings::czech()) : regional(rs)
     {
         Platform::install(this);
     }
@@ -33,21 +34,10 @@ public:
     }
     QDate today() const override { return fixedToday; }
     QDateTime now() const override { return QDateTime(fixedToday, QTime(10, 0)); }
-    bool insertToggled() const override { return insert; }
-    void setInsertToggled(bool on) override { insert = on; }
-    bool isNtFamily() const override { return nt; }
     RegionalSettings regionalSettings() const override { return regional; }
 
-    void reset()
-    {
-        beeps.clear();
-        boxes.clear();
-    }
-
     RegionalSettings regional;
-    QDate fixedToday;
-    bool insert = false;
-    bool nt = true;
+    QDate fixedToday {2026, 5, 17};
     QList<QPair<int, int>> beeps;
     QList<Box> boxes;
 };
@@ -56,6 +46,35 @@ public:
 inline RegionalSettings czechSpace()
 {
     return RegionalSettings::czech(QLatin1Char(' '));
+}
+
+// A row value that depends on the regional set: the one under czechSpace() and the one
+// under RegionalSettings::english().
+struct PerSet
+{
+    const char *cz, *en;
+};
+
+inline const char *pick(const PerSet &value, bool cz)
+{
+    return cz ? value.cz : value.en;
+}
+template<typename T>
+const T &pick(const T &value, bool)
+{
+    return value;
+}
+
+// Adds a row under each regional set, "name (cz)" and "name (en)", with the set as the
+// first column: a field must behave alike under both, up to the separators and the order
+// of the date parts.
+template<typename... V>
+void rowPerSet(const char *name, const V &...values)
+{
+    for (const bool cz : {true, false}) {
+        const QByteArray tag = name + QByteArray(cz ? " (cz)" : " (en)");
+        row(tag.constData(), cz ? czechSpace() : RegionalSettings::english(), pick(values, cz)...);
+    }
 }
 
 } // namespace velmora::test

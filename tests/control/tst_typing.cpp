@@ -1,208 +1,198 @@
-// Typing into a real field on a real form: key events reach the inner QLineEdit, go
-// through the entry rules, and focus moves are observed on the form's focus widget.
+// A real field on a shown form: key events reach the inner QLineEdit and go through the
+// entry rules, focus moves are observed on the form's focus widget, and the mouse, drops
+// and the context menu must not pass the rules by.
 
-#include "common/TestPlatform.h"
+#include "common/TestForm.h"
 #include "common/TestRegistry.h"
 
-#include <velmora/Velmora.h>
-
+#include <QtCore/QMimeData>
+#include <QtCore/QTimer>
 #include <QtGui/QClipboard>
 #include <QtGui/QInputMethodEvent>
 #include <QtTest/QSignalSpy>
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
-#include <QtWidgets/QLineEdit>
-#include <QtWidgets/QVBoxLayout>
+#include <QtWidgets/QMenu>
 
 using namespace velmora;
-
-// Sets up a field; the rows of the tables name one of these.
-using Setup = std::function<void(Velmora *)>;
-Q_DECLARE_METATYPE(Setup)
+using namespace velmora::test;
+using namespace Qt::StringLiterals;
 
 class TestTyping : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<test::TestPlatform> platform;
-    std::unique_ptr<QWidget> form;
-    QLineEdit *before = nullptr;
-    Velmora *field = nullptr;
-    QLineEdit *after = nullptr;
+    std::unique_ptr<TestForm> t;
 
-    QLineEdit *box() const { return field->findChild<QLineEdit *>(QStringLiteral("txtInput")); }
-
-    QString focusName() const
+    void enter(const RegionalSettings &rs, const Setup &setup)
     {
-        QWidget *w = QApplication::focusWidget();
-        if (w == before)
-            return QStringLiteral("before");
-        if (w == after)
-            return QStringLiteral("after");
-        return w && field->isAncestorOf(w) ? QStringLiteral("field") : QStringLiteral("none");
+        t->platform.regional = rs;
+        setup(t->field);
+        t->field->setFocus();
     }
 
-    static Setup type(InpType t, const QString &format = QString(), const Setup &more = {})
+    // Opens the box's context menu and, while it is up, triggers the action named (if
+    // any) and notes the actions it offers enabled.
+    QStringList contextMenu(const QString &trigger = {})
     {
-        return [=](Velmora *f) {
-            f->setInputType(t);
-            if (!format.isEmpty())
-                f->setFormatStr(format);
-            if (more)
-                more(f);
-        };
+        QObject context;
+        QStringList enabled {u"(no menu)"_s};
+        QTimer::singleShot(0, &context, [&] {
+            if (auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget())) {
+                enabled.clear();
+                for (QAction *a : menu->actions()) {
+                    if (!a->isSeparator() && a->isEnabled())
+                        enabled << a->text();
+                    if (a->text() == trigger)
+                        a->trigger();
+                }
+                menu->close();
+            }
+        });
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, t->box()->mapToGlobal(QPoint()));
+        QApplication::sendEvent(t->box(), &event);
+        return enabled;
     }
 
 private Q_SLOTS:
     void init()
     {
-        platform = std::make_unique<test::TestPlatform>(test::czechSpace());
-        form = std::make_unique<QWidget>();
-        auto *layout = new QVBoxLayout(form.get());
-        before = new QLineEdit(form.get());
-        field = new Velmora(form.get());
-        after = new QLineEdit(form.get());
-        layout->addWidget(before);
-        layout->addWidget(field);
-        layout->addWidget(after);
-        form->show();
-        QApplication::setActiveWindow(form.get());
-        QVERIFY(QTest::qWaitForWindowActive(form.get()));
+        t = std::make_unique<TestForm>();
+        QVERIFY(QTest::qWaitForWindowActive(&t->form));
     }
-    void cleanup()
+    void cleanup() { t.reset(); }
+
+    void typing_data()
     {
-        form.reset();
-        platform.reset();
+        columns<RegionalSettings, Setup, QString, QString, QString>(
+            {"rs", "setup", "keys", "shown", "focus"});
+        const Setup autoTab = set(&Velmora::setAutoTab, true);
+        const QString field = "field", after = "after", before = "before";
+        const Setup num = type(itNum, "0.00");
+        rowPerSet("number typed whole", num, PerSet("-12,5", "-12.5"), PerSet("-12,5", "-12.5"),
+                  field);
+        rowPerSet("either separator key", num, PerSet("1.2", "1,2"), PerSet("1,2", "1.2"), field);
+        rowPerSet("full number moves on", type(itNum, "0.00", {autoTab}), PerSet("1,23", "1.23"),
+                  PerSet("1,23", "1.23"), after);
+        rowPerSet("full date moves on", type(itDate, {}, {autoTab}), "24122005",
+                  PerSet("24.12.2005", "24/12/2005"), after);
+        rowPerSet("text cased by its format", type(itAlfaNum, "1>"), "pRAHA", "Praha", field);
+        rowPerSet("text full at MaxLength moves on",
+                  type(itAlfaNum, {}, {set(&Velmora::setMaxLength, 3), autoTab}), "abcd", "abc",
+                  after);
+        rowPerSet("boolean by first letter", type(itBool), "xn", "NE", field);
+        rowPerSet("Alt+letter types nothing", type(itAlfaNum), "ab{%A}", "ab", field);
+        // Cleared to "2 .  .    ", completed on leaving with this month and year.
+        rowPerSet("enter clears the rest of a date",
+                  type(itDate, {}, {set(&Velmora::setEnterAction, eaClearRest)}),
+                  "24122005{Home}{Right}{Enter}", PerSet("02.05.2026", "02/05/2026"), after);
+        rowPerSet("up goes back", type(itAlfaNum), "{Up}", "", before);
+        rowPerSet("left at the start with all arrows",
+                  type(itAlfaNum, {}, {set(&Velmora::setArrowAction, aaAllTab)}), "{Left}", "",
+                  before);
+        rowPerSet("undo and redo", type(itAlfaNum), "ab{^Z}{^Z}{^+Z}", "a", field);
+        rowPerSet("ctrl+y clears", type(itAlfaNum), "abc{^Y}", "", field);
     }
-
-    void keys_data()
+    void typing()
     {
-        QTest::addColumn<Setup>("setup");
-        QTest::addColumn<QTestEventList>("keys");
-        QTest::addColumn<QString>("shown");
-        QTest::addColumn<QString>("focus");
-
-        auto typed = [](const char *text) {
-            QTestEventList k;
-            k.addKeyClicks(QString::fromUtf8(text));
-            return k;
-        };
-        auto plus = [](QTestEventList k, Qt::Key key, Qt::KeyboardModifiers m = Qt::NoModifier) {
-            k.addKeyClick(key, m);
-            return k;
-        };
-        const auto autoTab = [](Velmora *f) {
-            f->setAutoTab(true);
-        };
-
-        QTest::newRow("number typed whole") << type(itNum, "0.00") << typed("-12,5") << "-12,5"
-                                            << "field";
-        QTest::newRow("full number moves on")
-            << type(itNum, "0.00", autoTab) << typed("1,23") << "1,23"
-            << "after";
-        QTest::newRow("date fills its positions")
-            << type(itDate) << typed("24122005") << "24.12.2005"
-            << "field";
-        QTest::newRow("full date moves on")
-            << type(itDate, QString(), autoTab) << typed("01012000") << "01.01.2000"
-            << "after";
-        QTest::newRow("text cased by its format")
-            << type(itAlfaNum, "1>") << typed("pRAHA") << "Praha"
-            << "field";
-        QTest::newRow("text full at MaxLength moves on") << type(itAlfaNum, QString(),
-                                                                 [](Velmora *f) {
-                                                                     f->setMaxLength(3);
-                                                                     f->setAutoTab(true);
-                                                                 })
-                                                         << typed("abcd") << "abc"
-                                                         << "after";
-        QTest::newRow("boolean by first letter") << type(itBool) << typed("xn") << "NE"
-                                                 << "field";
-        QTest::newRow("enter moves on")
-            << type(itAlfaNum) << plus(typed("a"), Qt::Key_Return) << "a"
-            << "after";
-        QTest::newRow("enter clears the rest of a date")
-            << type(itDate, QString(), [](Velmora *f) { f->setEnterAction(eaClearRest); })
-            << plus(plus(plus(typed("24122005"), Qt::Key_Home), Qt::Key_Right), Qt::Key_Enter)
-            << "02.05.2026"
-            << "after"; // cleared to "2 .  .    ", completed on leaving
-        QTest::newRow("up goes back") << type(itAlfaNum) << plus({}, Qt::Key_Up) << ""
-                                      << "before";
-        QTest::newRow("left at the start with all arrows")
-            << type(itAlfaNum, QString(), [](Velmora *f) { f->setArrowAction(aaAllTab); })
-            << plus({}, Qt::Key_Left) << ""
-            << "before";
-        QTest::newRow("undo and redo")
-            << type(itAlfaNum)
-            << plus(plus(plus(typed("ab"), Qt::Key_Z, Qt::ControlModifier), Qt::Key_Z,
-                         Qt::ControlModifier),
-                    Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier)
-            << "a"
-            << "field";
-        QTest::newRow("ctrl+y clears")
-            << type(itAlfaNum) << plus(typed("abc"), Qt::Key_Y, Qt::ControlModifier) << ""
-            << "field";
-    }
-    void keys()
-    {
-        VFETCH(Setup, setup)(field);
-        field->setFocus();
-        QCOMPARE(focusName(), QStringLiteral("field"));
-        VFETCH(QTestEventList, keys).simulate(box());
+        enter(VFETCH(RegionalSettings, rs), VFETCH(Setup, setup));
+        test::keys(VFETCH(QString, keys)).simulate(t->box());
         QApplication::processEvents(); // queued focus moves
-        QCOMPARE(field->FormValue(), VFETCH(QString, shown));
-        QCOMPARE(focusName(), VFETCH(QString, focus));
+        QTEST(t->field->FormValue(), "shown");
+        QTEST(t->focusName(), "focus");
+    }
+
+    // A host reading Value in Change sees the key it was raised for, once per key that
+    // edits, and never for a key the rules refuse.
+    void oneChangePerAcceptedKey_data()
+    {
+        columns<RegionalSettings, Setup, QString, QString, int>(
+            {"rs", "setup", "before", "key", "changes"});
+        const Setup num = type(itNum, "0.00");
+        rowPerSet("digit", num, "1", "2", 1);
+        rowPerSet("letter in a number", num, "1", "a", 0);
+        rowPerSet("digit beyond the places", num, PerSet("1,23", "1.23"), "4", 0);
+        rowPerSet("digit over the overwrite caret", num, "12{Ins}{Home}", "3", 1);
+        rowPerSet("letter over the overwrite caret", num, "12{Ins}{Home}", "a", 0);
+        rowPerSet("letter", type(itAlfaNum), "a", "b", 1);
+        rowPerSet("letter beyond MaxLength", type(itAlfaNum, {}, {set(&Velmora::setMaxLength, 2)}),
+                  "ab", "c", 0);
+        rowPerSet("backspace", type(itAlfaNum), "ab", "{Bs}", 1);
+        rowPerSet("Alt+letter", type(itAlfaNum), "ab", "{%A}", 0);
+        rowPerSet("digit in a date", type(itDate), "1", "2", 1);
+        rowPerSet("letter in a date", type(itDate), "1", "x", 0);
+        rowPerSet("boolean letter", type(itBool), "", "a", 1);
+        rowPerSet("letter of neither text", type(itBool), "", "x", 0);
+    }
+    void oneChangePerAcceptedKey()
+    {
+        enter(VFETCH(RegionalSettings, rs), VFETCH(Setup, setup));
+        test::keys(VFETCH(QString, before)).simulate(t->box());
+        const QString shown = t->field->FormValue();
+        QStringList seen;
+        QObject context;
+        connect(t->field, &Velmora::Change, &context, [&] { seen << t->field->Value(); });
+        test::keys(VFETCH(QString, key)).simulate(t->box());
+        QCOMPARE(seen.size(), VFETCH(int, changes));
+        if (seen.isEmpty())
+            QCOMPARE(t->field->FormValue(), shown);
+        else
+            QCOMPARE(seen.last(), t->field->Value());
+    }
+
+    // The host's KeyDown tells the keypad from the main block.
+    void keypadCodes_data()
+    {
+        columns<RegionalSettings, int, QString, bool, int, QString>(
+            {"rs", "key", "text", "keypad", "code", "shown"});
+        rowPerSet("digit", int(Qt::Key_7), "7", true, 103, "7");
+        rowPerSet("main-block digit", int(Qt::Key_7), "7", false, 55, "7");
+        rowPerSet("decimal point", int(Qt::Key_Period), ".", true, 110, PerSet(",", "."));
+        rowPerSet("decimal comma", int(Qt::Key_Comma), ",", true, 110, PerSet(",", "."));
+        rowPerSet("minus", int(Qt::Key_Minus), "-", true, 109, "-");
+        rowPerSet("main-block minus", int(Qt::Key_Minus), "-", false, 189, "-");
+        rowPerSet("times", int(Qt::Key_Asterisk), "*", true, 106, "");
+    }
+    void keypadCodes()
+    {
+        enter(VFETCH(RegionalSettings, rs), type(itNum));
+        QList<int> codes;
+        QObject context;
+        connect(t->field, &Velmora::KeyDown, &context,
+                [&](qint16 &code, qint16 &) { codes << code; });
+        QTest::sendKeyEvent(QTest::Click, t->box(), Qt::Key(VFETCH(int, key)),
+                            VFETCH(QString, text),
+                            VFETCH(bool, keypad) ? Qt::KeypadModifier : Qt::NoModifier);
+        QCOMPARE(codes, QList<int> {VFETCH(int, code)});
+        QTEST(t->field->FormValue(), "shown");
     }
 
     void nationalLettersAreTyped()
     {
         // A Czech keyboard sends these with key codes Qt has no letter for.
-        field->setFormatStr(QStringLiteral("1>"));
-        field->setFocus();
-        for (QChar c : QStringLiteral("žLUŤOUČKÝ"))
-            QTest::sendKeyEvent(QTest::Click, box(), Qt::Key(c.toUpper().unicode()), QString(c),
+        enter(czechSpace(), type(itAlfaNum, u"1>"_s));
+        for (QChar c : u"žLUŤOUČKÝ"_s)
+            QTest::sendKeyEvent(QTest::Click, t->box(), Qt::Key(c.toUpper().unicode()), QString(c),
                                 Qt::NoModifier);
-        QCOMPARE(field->Value(), QStringLiteral("Žluťoučký"));
-    }
-
-    void everyKeyKeepsTheValueInStep()
-    {
-        field->setInputType(itNum);
-        field->setFormatStr(QStringLiteral("0.00"));
-        field->setFocus();
-        QStringList values;
-        connect(field, &Velmora::Change, this, [&] { values << field->Value(); });
-        QTest::keyClicks(box(), QStringLiteral("12,5"));
-        QCOMPARE(values, (QStringList {"1", "12", "12,", "12,5"}));
+        QCOMPARE(t->field->Value(), u"Žluťoučký"_s);
     }
 
     void hostChangesTheKeys()
     {
-        field->setFocus();
-        connect(field, &Velmora::KeyPress, this, [](qint16 &k) {
+        t->field->setFocus();
+        connect(t->field, &Velmora::KeyPress, this, [](qint16 &k) {
             if (k == 'x')
                 k = 'y';
         });
-        connect(field, &Velmora::KeyDown, this, [](qint16 &code, qint16 &) {
+        connect(t->field, &Velmora::KeyDown, this, [](qint16 &code, qint16 &) {
             if (code == 'Q')
                 code = 0; // the host swallows Q
         });
-        QTest::keyClicks(box(), QStringLiteral("axqb"));
-        QCOMPARE(field->Value(), QStringLiteral("ayb"));
+        QTest::keyClicks(t->box(), u"axqb"_s);
+        QCOMPARE(t->field->Value(), u"ayb"_s);
     }
 
-    void f1NeverReachesTheBoxAtRunTime()
-    {
-        field->setFocus();
-        QSignalSpy downs(field, &Velmora::KeyDown);
-        QSignalSpy ups(field, &Velmora::KeyUp);
-        QTest::keyClick(box(), Qt::Key_F1);
-        QCOMPARE(downs.size(), 1);
-        QCOMPARE(ups.size(), 1);
-        QCOMPARE(field->FormValue(), QString());
-    }
-
-    void f1GoesOnToTheFormAtDesignTime()
+    // F1 is the form's help key at design time; at run time the field keeps it. The host
+    // hears of it once either way, although at design time the box sees it twice.
+    void f1GoesOnToTheFormOnlyAtDesignTime()
     {
         struct Counter : QObject
         {
@@ -213,64 +203,145 @@ private Q_SLOTS:
                 return false;
             }
         } counter;
-        form->setProperty("UserMode", false);
-        form->installEventFilter(&counter);
-        field->setFocus();
-        QSignalSpy downs(field, &Velmora::KeyDown);
-        QTest::keyClick(box(), Qt::Key_F1);
-        QCOMPARE(downs.size(), 1); // raised once, although the box sees the key twice
+        t->form.installEventFilter(&counter);
+        t->field->setFocus();
+        QSignalSpy downs(t->field, &Velmora::KeyDown);
+        QSignalSpy ups(t->field, &Velmora::KeyUp);
+        QTest::keyClick(t->box(), Qt::Key_F1);
+        QCOMPARE(counter.keys, 0);
+        t->form.setProperty("UserMode", false);
+        QTest::keyClick(t->box(), Qt::Key_F1);
         QCOMPARE(counter.keys, 1);
+        QCOMPARE(downs.size(), 2);
+        QCOMPARE(ups.size(), 2);
     }
 
     void pasteGoesThroughTheRules()
     {
-        field->setInputType(itDate);
-        field->setFocus();
-        QGuiApplication::clipboard()->setText(QStringLiteral("2005-12-24"));
-        QTest::keyClick(box(), Qt::Key_V, Qt::ControlModifier);
-        QCOMPARE(field->FormValue(), QStringLiteral("24.12.2005"));
-        QCOMPARE(field->Value(), QStringLiteral("24.12.2005"));
+        enter(czechSpace(), type(itDate));
+        QGuiApplication::clipboard()->setText(u"2005-12-24"_s);
+        QTest::keyClick(t->box(), Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(t->field->Value(), u"24.12.2005"_s);
 
-        field->Clear(); // a date would not fit a number: the type change would be undone
-        field->setInputType(itNum);
-        field->setFormatStr(QStringLiteral("0.0"));
-        QGuiApplication::clipboard()->setText(QStringLiteral("12,55"));
-        QTest::keyClick(box(), Qt::Key_V, Qt::ControlModifier);
-        QCOMPARE(field->FormValue(), QString()); // one decimal too many: refused whole
-        QVERIFY(!platform->beeps.isEmpty());
+        t->field->Clear(); // a date would not fit a number: the type change would be undone
+        type(itNum, u"0.0"_s)(t->field);
+        QGuiApplication::clipboard()->setText(u"12,55"_s);
+        QTest::keyClick(t->box(), Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(t->field->FormValue(), QString()); // one decimal too many: refused whole
+        QVERIFY(!t->platform.beeps.isEmpty());
     }
 
     void inputMethodTextGoesThroughTheRules()
     {
-        field->setInputType(itNum);
-        field->setFocus();
+        enter(czechSpace(), type(itNum));
         QInputMethodEvent commit;
-        commit.setCommitString(QStringLiteral("4a2"));
-        QApplication::sendEvent(box(), &commit);
-        QCOMPARE(field->FormValue(), QStringLiteral("42"));
-        QCOMPARE(field->Value(), QStringLiteral("42"));
+        commit.setCommitString(u"4a2"_s);
+        QApplication::sendEvent(t->box(), &commit);
+        QCOMPARE(t->field->FormValue(), u"42"_s);
+        QCOMPARE(t->field->Value(), u"42"_s);
     }
 
     void leavingCompletesADate()
     {
-        field->setInputType(itDate);
-        field->setFocus();
-        QTest::keyClicks(box(), QStringLiteral("0102"));
-        QSignalSpy changed(field, &Velmora::ValueChanged);
-        after->setFocus();
-        QCOMPARE(field->FormValue(), QStringLiteral("01.02.2026"));
-        QCOMPARE(field->varValue(), QVariant(QDate(2026, 2, 1)));
+        enter(czechSpace(), type(itDate));
+        QTest::keyClicks(t->box(), u"0102"_s);
+        QSignalSpy changed(t->field, &Velmora::ValueChanged);
+        t->after->setFocus();
+        QCOMPARE(t->field->varValue(), QVariant(QDate(2026, 2, 1)));
         QCOMPARE(changed.size(), 1);
-        QVERIFY(field->Changed());
+        QVERIFY(t->field->Changed());
     }
 
-    void focusHighlightsTheBox()
+    // The edit box beyond the keyboard: its colours, the mouse, drops and its context menu.
+
+    void coloursReachTheBox()
     {
-        field->setBackColor(0x00FFFFFF);
-        field->setFocus();
-        QCOMPARE(field->BackColor(), FocusHighlightColor);
-        after->setFocus();
-        QCOMPARE(field->BackColor(), 0x00FFFFFFu);
+        const auto base = [this] {
+            return t->box()->palette().color(QPalette::Base);
+        };
+        t->field->setBackColor(0x000000FFu); // red: the legacy order is blue, green, red
+        QCOMPARE(base(), QColor(Qt::red));
+        t->field->setForeColor(0x00FF0000u);
+        QCOMPARE(t->box()->palette().color(QPalette::Text), QColor(Qt::blue));
+        t->field->setFocus();
+        QCOMPARE(t->field->BackColor(), FocusHighlightColor);
+        QCOMPARE(base(), QColor(129, 232, 250));
+        t->after->setFocus();
+        QCOMPARE(base(), QColor(Qt::red));
+    }
+
+    // X11 pastes the selection on a middle click; elsewhere the click still must not
+    // move the caret the rules have placed.
+    void middleButtonLeavesTheBoxAlone()
+    {
+        QClipboard *clipboard = QGuiApplication::clipboard();
+        if (clipboard->supportsSelection())
+            clipboard->setText(u"xyz"_s, QClipboard::Selection);
+        t->field->setSelectText(false);
+        t->field->setValue(u"abc"_s);
+        t->field->setFocus();
+        QTest::mouseClick(t->box(), Qt::MiddleButton, {},
+                          QPoint(t->box()->width() - 2, t->box()->height() / 2));
+        QCOMPARE(t->field->FormValue(), u"abc"_s);
+        QCOMPARE(t->field->SelStart(), qint16(0));
+        QCOMPARE(t->field->SelLength(), qint16(0));
+    }
+
+    // A drop lands where the drag entered: the enter event names the target.
+    void dropsAreRefused()
+    {
+        t->field->setValue(u"abc"_s);
+        QMimeData data;
+        data.setText(u"xyz"_s);
+        const QPoint at(2, 2);
+        QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(t->box(), &enter);
+        QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(t->box(), &drop);
+        QCOMPARE(t->field->FormValue(), u"abc"_s);
+        QCOMPARE(t->field->Value(), u"abc"_s);
+    }
+
+    void contextMenuOffersWhatTheFieldAllows_data()
+    {
+        columns<Setup, QString, QStringList>({"setup", "keys", "enabled"});
+        const auto selected = [](DisplMode mode) -> Setup {
+            return [=](Velmora *f) {
+                f->setDisplayMode(mode);
+                f->setSelStart(1);
+                f->setSelLength(1);
+            };
+        };
+        const QString paste = "Vložit", all = "Vybrat vše";
+        const Setup nothing = [](Velmora *) {
+        };
+        row("nothing selected", nothing, QString(), QStringList {paste, all});
+        row("a selection", selected(dmChangeable), QString(),
+            QStringList {"Vyjmout", "Kopírovat", paste, all});
+        row("a selection in a landable field", selected(dmLandable), QString(),
+            QStringList {"Kopírovat", all});
+        row("after a key", nothing, "x", QStringList {"Zpět", paste, all});
+        row("after undo", nothing, "x{^Z}", QStringList {"Znovu", paste, all});
+    }
+    void contextMenuOffersWhatTheFieldAllows()
+    {
+        t->field->setFocus();
+        t->field->setValue(u"abc"_s);
+        VFETCH(Setup, setup)(t->field);
+        test::keys(VFETCH(QString, keys)).simulate(t->box());
+        QTEST(contextMenu(), "enabled");
+    }
+
+    void contextMenuPasteGoesThroughTheRules()
+    {
+        type(itNum, u"0.0"_s)(t->field);
+        t->field->setFocus();
+        QGuiApplication::clipboard()->setText(u"2,5"_s);
+        contextMenu(u"Vložit"_s);
+        QCOMPARE(t->field->Value(), u"2,5"_s);
+        QGuiApplication::clipboard()->setText(u"1a"_s);
+        contextMenu(u"Vložit"_s);
+        QCOMPARE(t->field->FormValue(), u"2,5"_s);
     }
 };
 

@@ -1,6 +1,6 @@
 // Taking a value into a field, without a widget: what is shown, stored and reported.
 
-#include "DataRows.h"
+#include "common/DataRows.h"
 #include "common/TestRegistry.h"
 #include "format/FormatParser.h"
 #include "format/ValueAssignment.h"

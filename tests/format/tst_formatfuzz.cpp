@@ -2,8 +2,8 @@
 // area. The seed is fixed (VELMORA_FUZZ_SEED overrides it) and printed with a failure,
 // so that the input can be replayed.
 
+#include "common/DataRows.h"
 #include "common/TestRegistry.h"
-#include "format/DataRows.h"
 #include "fuzz/FormatFuzz.h"
 
 #include <QtCore/QElapsedTimer>

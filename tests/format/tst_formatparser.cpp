@@ -1,21 +1,19 @@
 // Format strings of the four input types and the resolution of the separators.
 
+#include "common/TestPlatform.h"
 #include "common/TestRegistry.h"
 #include "format/FormatParser.h"
 
-#include <QtTest/QTest>
-
-Q_DECLARE_METATYPE(velmora::RegionalSettings)
-
 using namespace velmora;
 using namespace velmora::detail;
+using velmora::test::columns;
+using velmora::test::czechSpace;
+using velmora::test::row;
+using namespace Qt::StringLiterals;
 
 namespace {
-RegionalSettings czechSpace()
-{
-    return RegionalSettings::czech(QLatin1Char(' '));
+const QString none;
 }
-} // namespace
 
 class TestFormatParser : public QObject
 {
@@ -24,124 +22,56 @@ class TestFormatParser : public QObject
 private Q_SLOTS:
     void numericFormat_data()
     {
-        QTest::addColumn<QString>("format");
-        QTest::addColumn<QString>("des");
-        QTest::addColumn<QString>("tis");
-        QTest::addColumn<int>("integers");
-        QTest::addColumn<int>("decimals");
-        QTest::addColumn<int>("message");
-        QTest::addColumn<QString>("formatAfter");
-
-        QTest::newRow("widest section wins") << "#,##0.00;-#,##0.0"
-                                             << ""
-                                             << "" << 4 << 2 << 0 << "#,##0.00;-#,##0.0";
-        QTest::newRow("maxima from different sections") << "###;#.####"
-                                                        << ""
-                                                        << "" << 3 << 4 << 0 << "###;#.####";
-        QTest::newRow("second point changes nothing") << "9.99.9"
-                                                      << ""
-                                                      << "" << 1 << 3 << 0 << "9.99.9";
-        QTest::newRow("literal text is ignored") << "Kč 0.0 \"x\""
-                                                 << ""
-                                                 << "" << 1 << 1 << 0 << "Kč 0.0 \"x\"";
-        QTest::newRow("empty format has no places") << ""
-                                                    << ""
-                                                    << "" << 0 << 0 << 0 << "";
-        QTest::newRow("clash of separators falls back") << "#,##0.00"
-                                                        << ","
-                                                        << "," << 10 << 3 << 3 << "";
-        QTest::newRow("configured decimal equal to regional thousands") << "0.0"
-                                                                        << " "
-                                                                        << "" << 10 << 3 << 3 << "";
+        columns<QString, QString, QString, int, int, int, QString>(
+            {"format", "des", "tis", "integers", "decimals", "message", "formatAfter"});
+        const auto kept = [](const char *name, const QString &format, int integers, int decimals) {
+            row(name, format, none, none, integers, decimals, 0, format);
+        };
+        kept("widest section wins", "#,##0.00;-#,##0.0", 4, 2);
+        kept("maxima from different sections", "###;#.####", 3, 4);
+        kept("second point changes nothing", "9.99.9", 1, 3);
+        kept("literal text is ignored", "Kč 0.0 \"x\"", 1, 1);
+        kept("empty format has no places", none, 0, 0);
+        row("clash of separators falls back", "#,##0.00", ",", ",", 10, 3, 3, none);
+        row("decimal equal to regional thousands", "0.0", " ", none, 10, 3, 3, none);
     }
     void numericFormat()
     {
         QFETCH(QString, format);
-        QFETCH(QString, des);
-        QFETCH(QString, tis);
-        ParsedFormat pf;
-        const ConfiguredSeparators seps {separatorFromText(des), separatorFromText(tis), QChar()};
-        QCOMPARE(parseNumFormat(pf, format, czechSpace(), seps), VFETCH(int, message));
-        QCOMPARE(pf.integerDigits, VFETCH(int, integers));
-        QCOMPARE(pf.decimalDigits, VFETCH(int, decimals));
-        QCOMPARE(format, VFETCH(QString, formatAfter));
-    }
-
-    void separators_data()
-    {
-        QTest::addColumn<RegionalSettings>("rs");
-        QTest::addColumn<QString>("des");
-        QTest::addColumn<QString>("tis");
-        QTest::addColumn<QString>("dat");
-        QTest::addColumn<QString>("expected"); // system dec, thou, date; effective dec, thou, date
-
-        QTest::newRow("czech regional, none configured") << czechSpace() << ""
-                                                         << ""
-                                                         << ""
-                                                         << ", ., .";
-        QTest::newRow("czech with no-break space") << RegionalSettings::czech() << ""
-                                                   << ""
-                                                   << "" << QStringLiteral(",\u00a0.,\u00a0.");
-        QTest::newRow("configured swap of the regional ones") << czechSpace() << "."
-                                                              << ","
-                                                              << "-"
-                                                              << ", ..,-";
-        QTest::newRow("english regional") << RegionalSettings::english() << ""
-                                          << ""
-                                          << ""
-                                          << ".,/.,/";
-        QTest::newRow("only the first character counts") << czechSpace() << ".;"
-                                                         << "'x"
-                                                         << "//"
-                                                         << ", ..'/";
-    }
-    void separators()
-    {
-        QFETCH(RegionalSettings, rs);
         ParsedFormat pf;
         const ConfiguredSeparators seps {separatorFromText(VFETCH(QString, des)),
-                                         separatorFromText(VFETCH(QString, tis)),
-                                         separatorFromText(VFETCH(QString, dat))};
-        readSystemNumberSeparators(pf, rs, seps);
-        readSystemDateSeparator(pf, rs, seps);
-        const QString got = QString(pf.systemDecimalSeparator) + pf.systemThousandsSeparator
-            + pf.systemDateSeparator + pf.decimalSeparator + pf.thousandsSeparator
-            + pf.dateSeparator;
-        QCOMPARE(got, VFETCH(QString, expected));
+                                         separatorFromText(VFETCH(QString, tis)), QChar()};
+        QTEST(parseNumFormat(pf, format, czechSpace(), seps), "message");
+        QCOMPARE(int(pf.integerDigits), VFETCH(int, integers));
+        QCOMPARE(int(pf.decimalDigits), VFETCH(int, decimals));
+        QTEST(format, "formatAfter");
     }
 
     void separatorText_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("stored");
-        QTest::newRow("empty means none") << ""
-                                          << "";
-        QTest::newRow("several characters keep the first") << ".,;"
-                                                           << ".";
-        QTest::newRow("code-page letter") << QStringLiteral("ů") << QStringLiteral("ů");
-        QTest::newRow("no-break space") << QStringLiteral("\u00a0") << QStringLiteral("\u00a0");
-        QTest::newRow("outside the code page") << QStringLiteral("\u6f22") << "?";
-        QTest::newRow("outside the basic plane") << QStringLiteral("\U0001F600x") << "?";
+        columns<QString, QString>({"text", "stored"});
+        row("empty means none", none, none);
+        row("several characters keep the first", ".,;", ".");
+        row("code-page letter", "ů", "ů");
+        row("no-break space", "\u00a0", "\u00a0");
+        row("outside the code page", "\u6f22", "?");
+        row("outside the basic plane", "\U0001F600x", "?");
     }
     void separatorText()
     {
-        QCOMPARE(separatorToText(separatorFromText(VFETCH(QString, text))),
-                 VFETCH(QString, stored));
+        QTEST(separatorToText(separatorFromText(VFETCH(QString, text))), "stored");
     }
 
     void alfaNumFormat_data()
     {
-        QTest::addColumn<QString>("format");
-        QTest::addColumn<int>("message");
-        for (const char *f : {"1>", ">", "<<", "A>", "@@@-@@@", "&&&!"})
-            QTest::newRow(f) << QString::fromLatin1(f) << 0;
-        QTest::newRow("Czech letters and euro") << QStringLiteral("Kč € @@") << 0;
-        QTest::newRow("character outside the code page") << QStringLiteral("\u6f22@") << 4;
+        columns<QString, int>({"format", "message"});
+        for (const char *f : {"1>", "<<", "@@@-@@@", "&&&!", "Kč € @@"})
+            row(f, f, 0);
+        row("character outside the code page", "\u6f22@", 4);
         // The check is deliberately weak: "?" in the format lets any character pass.
-        QTest::newRow("question mark lets it pass") << QStringLiteral("\u6f22?") << 0;
+        row("question mark lets it pass", "\u6f22?", 0);
         // One search per character took seconds on a format this long.
-        QTest::newRow("long format with a question mark")
-            << QString(32760, QChar(0x6F22)) + QLatin1Char('?') << 0;
+        row("long format with a question mark", QString(32760, QChar(0x6F22)) + u'?', 0);
     }
     void alfaNumFormat()
     {
@@ -154,101 +84,66 @@ private Q_SLOTS:
 
     void dateFormat_data()
     {
-        QTest::addColumn<QString>("format");
-        QTest::addColumn<QString>("dat");
-        QTest::addColumn<QList<int>>("layout"); // month, day, year: start and end
-        QTest::addColumn<QString>("emptyText");
-        QTest::addColumn<int>("message");
-        QTest::addColumn<QString>("formatAfter");
-
-        QTest::newRow("month first")
-            << "mm/dd/yyyy"
-            << "" << QList<int> {1, 2, 4, 5, 7, 10} << "  .  .    " << 0 << "mm/dd/yyyy";
-        QTest::newRow("empty is the default")
-            << ""
-            << "-" << QList<int> {4, 5, 1, 2, 7, 10} << "  -  -    " << 0 << "dd/mm/yyyy";
-        QTest::newRow("iso order, any separator")
-            << "yyyy-mm-dd"
-            << "" << QList<int> {6, 7, 9, 10, 1, 4} << "    .  .  " << 0 << "yyyy-mm-dd";
-        QTest::newRow("single letters keep end 0")
-            << "d.m.yy"
-            << "" << QList<int> {3, 0, 1, 0, 5, 6} << " . .  " << 0 << "d.m.yy";
-        QTest::newRow("interleaved parts fall back")
-            << "ddmmdd"
-            << "" << QList<int> {4, 5, 1, 2, 7, 10} << "  .  .    " << 5 << "dd/mm/yyyy";
-        QTest::newRow("upper-case letters are literals")
-            << "DD/MM/YYYY"
-            << "" << QList<int> {0, 0, 0, 0, 0, 0} << ".........." << 0 << "DD/MM/YYYY";
+        // layout: month, day, year, each start and end
+        columns<QString, QString, QList<int>, QString, int, QString>(
+            {"format", "dat", "layout", "emptyText", "message", "formatAfter"});
+        const QString dmy = "dd/mm/yyyy";
+        row("month first", "mm/dd/yyyy", none, QList<int> {1, 2, 4, 5, 7, 10}, "  .  .    ", 0,
+            "mm/dd/yyyy");
+        row("empty is the default", none, "-", QList<int> {4, 5, 1, 2, 7, 10}, "  -  -    ", 0,
+            dmy);
+        row("iso order, any separator", "yyyy-mm-dd", none, QList<int> {6, 7, 9, 10, 1, 4},
+            "    .  .  ", 0, "yyyy-mm-dd");
+        row("single letters keep end 0", "d.m.yy", none, QList<int> {3, 0, 1, 0, 5, 6}, " . .  ", 0,
+            "d.m.yy");
+        row("interleaved parts fall back", "ddmmdd", none, QList<int> {4, 5, 1, 2, 7, 10},
+            "  .  .    ", 5, dmy);
+        row("upper-case letters are literals", "DD/MM/YYYY", none, QList<int>(6, 0), "..........",
+            0, "DD/MM/YYYY");
     }
     void dateFormat()
     {
         QFETCH(QString, format);
         ParsedFormat pf;
         const ConfiguredSeparators seps {QChar(), QChar(), separatorFromText(VFETCH(QString, dat))};
-        QCOMPARE(parseDateFormat(pf, format, 0, czechSpace(), seps), VFETCH(int, message));
+        QTEST(parseDateFormat(pf, format, 0, czechSpace(), seps), "message");
         const DateLayout &l = pf.dateLayout[0];
-        QCOMPARE(
-            (QList<int> {l.monthStart, l.monthEnd, l.dayStart, l.dayEnd, l.yearStart, l.yearEnd}),
-            VFETCH(QList<int>, layout));
-        QCOMPARE(pf.emptyDateText, VFETCH(QString, emptyText));
-        QCOMPARE(format, VFETCH(QString, formatAfter));
+        QTEST((QList<int> {l.monthStart, l.monthEnd, l.dayStart, l.dayEnd, l.yearStart, l.yearEnd}),
+              "layout");
+        QTEST(pf.emptyDateText, "emptyText");
+        QTEST(format, "formatAfter");
     }
 
     void boolFormat_data()
     {
-        QTest::addColumn<QString>("format");
-        QTest::addColumn<QString>("trueText");
-        QTest::addColumn<QString>("falseText");
-        QTest::addColumn<QString>("sqlType");
-        QTest::addColumn<QString>("formatAfter");
-        QTest::newRow("default") << ""
-                                 << "ANO"
-                                 << "NE"
-                                 << "A"
-                                 << "ANO;NE;A";
-        QTest::newRow("two sections") << "ANO;NE"
-                                      << "ANO"
-                                      << "NE"
-                                      << ""
-                                      << "ANO;NE";
-        QTest::newRow("letter upper-cased") << "Yes;No;n"
-                                            << "Yes"
-                                            << "No"
-                                            << "N"
-                                            << "Yes;No;n";
-        QTest::newRow("empty false text") << "X;;B"
-                                          << "X"
-                                          << ""
-                                          << "B"
-                                          << "X;;B";
-        QTest::newRow("other letter kept") << "+;-;Q"
-                                           << "+"
-                                           << "-"
-                                           << "Q"
-                                           << "+;-;Q";
+        columns<QString, QString, QString, QString, QString>(
+            {"format", "trueText", "falseText", "sqlType", "formatAfter"});
+        row("default", none, "ANO", "NE", "A", "ANO;NE;A");
+        row("two sections", "ANO;NE", "ANO", "NE", none, "ANO;NE");
+        row("letter upper-cased", "Yes;No;n", "Yes", "No", "N", "Yes;No;n");
+        row("empty false text", "X;;B", "X", none, "B", "X;;B");
+        row("other letter kept", "+;-;Q", "+", "-", "Q", "+;-;Q");
     }
     void boolFormat()
     {
         QFETCH(QString, format);
         BoolFormat bf;
         parseBoolFormat(bf, format);
-        QCOMPARE(bf.trueText, VFETCH(QString, trueText));
-        QCOMPARE(bf.falseText, VFETCH(QString, falseText));
-        QCOMPARE(bf.sqlType ? QString(QChar(bf.sqlType)) : QString(), VFETCH(QString, sqlType));
-        QCOMPARE(format, VFETCH(QString, formatAfter));
+        QTEST(bf.trueText, "trueText");
+        QTEST(bf.falseText, "falseText");
+        QTEST(bf.sqlType ? QString(QChar(bf.sqlType)) : QString(), "sqlType");
+        QTEST(format, "formatAfter");
     }
 
     void hugeFormatsDoNotCrash()
     {
         ParsedFormat pf;
-        QString num(40000, QLatin1Char('#'));
+        QString num(40000, u'#'), date(40000, u'd'), boolean(40000, u'x');
         QCOMPARE(parseNumFormat(pf, num, czechSpace(), {}), 0);
-        QCOMPARE(pf.integerDigits, 32767);
-        QString date = QString(40000, QLatin1Char('d'));
         parseDateFormat(pf, date, 0, czechSpace(), {});
-        QCOMPARE(pf.emptyDateText.size(), 32767);
-        QString boolean = QString(40000, QLatin1Char('x'));
         parseBoolFormat(pf.boolFormat, boolean);
+        QCOMPARE(pf.integerDigits, 32767);
+        QCOMPARE(pf.emptyDateText.size(), 32767);
         QCOMPARE(pf.boolFormat.trueText.size(), 32767);
     }
 };
