@@ -9,6 +9,8 @@
 
 #include <QtCore/QStringList>
 
+#include <functional>
+
 Q_DECLARE_METATYPE(velmora::RegionalSettings)
 
 namespace velmora::test {
@@ -31,6 +33,8 @@ public:
     void messageBox(const QString &text, const QString &title, QWidget *) override
     {
         boxes.append({text, title});
+        if (whileBoxOpen) // what the host runs while the box is up, once
+            std::exchange(whileBoxOpen, {})();
     }
     QDate today() const override { return fixedToday; }
     QDateTime now() const override { return QDateTime(fixedToday, QTime(10, 0)); }
@@ -40,6 +44,7 @@ public:
     QDate fixedToday {2026, 5, 17};
     QList<QPair<int, int>> beeps;
     QList<Box> boxes;
+    std::function<void()> whileBoxOpen;
 };
 
 // "," decimal, " " thousands, "." date: the Czech set with a plain space.
