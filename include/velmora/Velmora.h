@@ -108,10 +108,13 @@ public:
     void setvarValue(const QVariant &value);
     // The text shown in the edit box.
     QString FormValue() const;
-    // The value as an SQL literal without enclosing quotes ("'" doubled in texts, dates as
-    // mm/dd/yyyy, numbers with "." as decimal point).
+    // The value as an SQL literal without enclosing quotes: a text is Value with every "'"
+    // doubled (texts entering a field are made well formed, so the literal is safe for any
+    // input), a date mm/dd/yyyy ("" unless it is a calendar date), a number with "." as
+    // decimal point.
     QString SQLValue() const;
-    // A numeric value as a plain number with "." as decimal point; "" otherwise.
+    // A numeric value as a plain number with "." as decimal point: the number as assigned,
+    // kept whole whatever the format shows, or as the user has edited it; "" otherwise.
     QString PrecValue() const;
     // Takes a text into the edit box and returns the new edited text; never refuses.
     QVariant LetValue(const QString &sRet);
@@ -254,6 +257,7 @@ public:
     bool VisibleByLbl() const;
     void setVisibleByLbl(bool on);
     // The text font: the field follows every later change of the font object it is given.
+    // Never null: when the host's object is destroyed the field keeps a copy of it.
     velmora::FieldFont *Font() const;
     void setFont(velmora::FieldFont *font);
     using QWidget::setFont;
