@@ -136,8 +136,10 @@ bool VelmoraPrivate::keyPressed(QKeyEvent *e)
         return true;
     if (code == 0)
         return true;
-    if (isTypedText(*e))
-        return typeCharacters(e->text(), true) || true;
+    if (isTypedText(*e)) {
+        typeCharacters(e->text());
+        return true;
+    }
     if (!leavesTextAlone(*e))
         return true;
     // Movement and selection keys are the box's own; its text must not change.
@@ -155,17 +157,15 @@ bool VelmoraPrivate::keyPressed(QKeyEvent *e)
     return e->isAccepted();
 }
 
-bool VelmoraPrivate::typeCharacters(const QString &text, bool raiseKeyPress)
+bool VelmoraPrivate::typeCharacters(const QString &text)
 {
     QPointer<Velmora> alive(q);
     const QString typed = wellFormed(text);
     if (typed.size() == 1) {
         qint16 k = qint16(typed.at(0).unicode());
-        if (raiseKeyPress) {
-            Q_EMIT q->KeyPress(k);
-            if (!alive)
-                return false;
-        }
+        Q_EMIT q->KeyPress(k);
+        if (!alive)
+            return false;
         return apply(engine.keyPress(editSettings(), viewState(), quint16(k)));
     }
     // Characters that arrive together are one edit: each raises KeyPress (the host may
@@ -174,11 +174,9 @@ bool VelmoraPrivate::typeCharacters(const QString &text, bool raiseKeyPress)
     keys.reserve(typed.size());
     for (const QChar c : typed) {
         qint16 k = qint16(c.unicode());
-        if (raiseKeyPress) {
-            Q_EMIT q->KeyPress(k);
-            if (!alive)
-                return false;
-        }
+        Q_EMIT q->KeyPress(k);
+        if (!alive)
+            return false;
         keys += QChar(char16_t(quint16(k)));
     }
     return apply(engine.typeText(editSettings(), viewState(), keys));
@@ -199,7 +197,7 @@ bool VelmoraPrivate::inputMethod(QInputMethodEvent *e)
     QPointer<Velmora> alive(q);
     events.passOn(e); // the rest of the event (the preedit text) is the box's
     if (alive)
-        typeCharacters(committed, true);
+        typeCharacters(committed);
     return true;
 }
 

@@ -85,7 +85,7 @@ public:
     bool mouse(QMouseEvent *event);
     bool doubleClick();
     void contextMenu(const QPoint &pos);
-    bool typeCharacters(const QString &text, bool raiseKeyPress);
+    bool typeCharacters(const QString &text);
 
     // Services of the key engine.
     void warningBeep() override;

@@ -142,24 +142,19 @@ bool KeyEngine::entryRule(char16_t key)
     }
 }
 
-void KeyEngine::finishKey()
-{
-    showOverwriteCaret();
-}
-
 EditOutcome KeyEngine::keyDown(const EditSettings &s, const EditState &box, int &keyCode,
                                int &shift)
 {
     begin(s, box);
     dispatchKeyDown(keyCode, shift);
-    finishKey();
+    showOverwriteCaret();
     return end();
 }
 
 void KeyEngine::typeKey(char16_t key)
 {
     entryRule(key);
-    finishKey();
+    showOverwriteCaret();
 }
 
 EditOutcome KeyEngine::keyPress(const EditSettings &s, const EditState &box, int key)

@@ -143,7 +143,6 @@ private:
     // Key dispatch and caret (KeyDispatch.cpp)
     void dispatchKeyDown(int &keyCode, int &shift);
     void typeKey(char16_t key);
-    void finishKey();
     void doArrowAction(int &keyCode, int &shift);
     void doEnterAction();
     void showOverwriteCaret();
