@@ -5,6 +5,8 @@
 
 #include <velmora/Platform.h>
 
+#include <QtCore/QHash>
+#include <QtCore/QMetaProperty>
 #include <QtCore/QTimer>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
@@ -52,10 +54,23 @@ VelmoraPrivate::~VelmoraPrivate()
 
 bool VelmoraPrivate::runMode() const
 {
+    // Asked on every key: the declared properties of each class are looked up once
+    // (QObject::property() compares the name with every property of the hierarchy), and
+    // the dynamic ones only on objects that have any.
+    static const QByteArray name = QByteArrayLiteral("UserMode");
+    static QHash<const QMetaObject *, int> declared;
     for (const QObject *o = q; o; o = o->parent()) {
-        const QVariant v = o->property("UserMode");
-        if (v.isValid())
-            return v.toBool();
+        const QMetaObject *meta = o->metaObject();
+        auto it = declared.constFind(meta);
+        if (it == declared.constEnd())
+            it = declared.insert(meta, meta->indexOfProperty(name.constData()));
+        if (*it >= 0)
+            return meta->property(*it).read(o).toBool();
+        if (!o->dynamicPropertyNames().isEmpty()) {
+            const QVariant v = o->property(name.constData());
+            if (v.isValid())
+                return v.toBool();
+        }
     }
     return true;
 }
