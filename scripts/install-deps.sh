@@ -6,6 +6,7 @@ set -euo pipefail
 packages=(
   cmake ninja-build g++ clang libclang-rt-14-dev clang-format
   qt6-base-dev libqt6sql6-sqlite libqt6sql6-psql libqt6sql6-odbc
+  unixodbc odbc-postgresql libsqliteodbc libsqlite3-dev
   libbenchmark-dev postgresql fonts-dejavu-core locales procps
 )
 

@@ -3,10 +3,18 @@
 #
 #   pg-server.sh start DIR   initdb in a fresh temporary data directory, start the server
 #                            on a free port, create a role and a database that log in by
-#                            password over TCP, and write DIR/connection.env
-#                            (host, port, db, user, password; one key=value a line)
+#                            password over TCP, write a private ODBC set-up to DIR/odbc and
+#                            write DIR/connection.env (one key=value a line, see below)
 #   pg-server.sh stop DIR    stop the server by the pid in postmaster.pid and remove the
 #                            data directory; stopping nothing is no error
+#
+# connection.env:
+#   host, port, db, user, password   the server and the test role
+#   odbcsysini   the directory of the private odbcinst.ini (drivers "PostgreSQL Unicode"
+#                and "SQLite3") and odbc.ini (DSN velmora_pg, the test database); a test
+#                points ODBCSYSINI at it, nothing under /etc is used
+#   odbc_pg      an ODBC connect string for the test database
+#   odbc_error   only when ODBC is not usable: why (the QPSQL tests still run)
 #
 # initdb refuses to run as root, so as root the server runs as the user postgres on a
 # data directory it owns. A start that fails says why (the log's tail) and leaves
@@ -65,6 +73,7 @@ wait_gone() {
 
 stop_server() {
   rm -f "$dir/connection.env"
+  rm -rf "$dir/odbc"
   [ -f "$dir/datadir" ] || return 0
   local data pid
   data=$(cat "$dir/datadir")
@@ -106,6 +115,63 @@ free_port() {
     fi
   done
   return 1
+}
+
+# The path of the ODBC driver library $2 that package $1 installs: from the package's file
+# list, else where Debian puts such drivers on this architecture.
+odbc_driver() {
+  local path multiarch
+  path=$(dpkg -L "$1" 2>/dev/null | grep -m 1 -- "/$2\$") || path=""
+  if [ -z "$path" ]; then
+    multiarch=$(dpkg-architecture -qDEB_HOST_MULTIARCH 2>/dev/null ||
+      gcc -print-multiarch 2>/dev/null) || multiarch=""
+    path=/usr/lib/${multiarch:+$multiarch/}odbc/$2
+  fi
+  [ -f "$path" ] && echo "$path"
+}
+
+# The ODBC connect string of the test database.
+odbc_pg_string() {
+  printf 'Driver={PostgreSQL Unicode};Server=127.0.0.1;Port=%s;Database=%s;Uid=%s;Pwd=%s' \
+    "$1" "$DATABASE" "$ROLE" "$2"
+}
+
+# Writes DIR/odbc: odbcinst.ini with the two drivers the tests use and odbc.ini with a DSN
+# for the test database, then checks through them with isql that unixODBC reaches the
+# server and loads the SQLite driver. Prints why ODBC is not usable, or nothing.
+write_odbc() {
+  local port=$1 password=$2 odbc=$dir/odbc pg sqlite out problems=()
+  mkdir -p "$odbc"
+  pg=$(odbc_driver odbc-postgresql psqlodbcw.so) ||
+    problems+=('no driver library for "PostgreSQL Unicode" (package odbc-postgresql)')
+  sqlite=$(odbc_driver libsqliteodbc libsqlite3odbc.so) ||
+    problems+=('no driver library for "SQLite3" (package libsqliteodbc)')
+  {
+    printf '[ODBC]\nTrace=No\n'
+    # No CommLog or Debug: the driver would write its logs into the working directory.
+    [ -z "$pg" ] || printf '\n[%s]\nDescription=%s\nDriver=%s\nDebug=0\nCommLog=0\n' \
+      "PostgreSQL Unicode" "PostgreSQL ODBC driver (Unicode)" "$pg"
+    [ -z "$sqlite" ] || printf '\n[%s]\nDescription=%s\nDriver=%s\n' \
+      SQLite3 "SQLite3 ODBC driver" "$sqlite"
+  } >"$odbc/odbcinst.ini"
+  {
+    printf '[velmora_pg]\nDriver=PostgreSQL Unicode\nServername=127.0.0.1\nPort=%s\n' "$port"
+    printf 'Database=%s\nUsername=%s\nPassword=%s\n' "$DATABASE" "$ROLE" "$password"
+  } >"$odbc/odbc.ini"
+
+  if ! command -v isql >/dev/null; then
+    problems+=("no isql to check the set-up with (package unixodbc)")
+  else
+    if [ -n "$pg" ] && ! out=$(echo 'SELECT 1' |
+      ODBCSYSINI=$odbc isql -b -k "$(odbc_pg_string "$port" "$password")" 2>&1); then
+      problems+=("unixODBC does not reach the server: $(echo "$out" | tr -s '\n' ' ' | sed 's/ *$//')")
+    fi
+    if [ -n "$sqlite" ] && ! out=$(echo 'SELECT 1' |
+      ODBCSYSINI=$odbc isql -b -k 'Driver={SQLite3};Database=:memory:' 2>&1); then
+      problems+=("unixODBC does not open SQLite: $(echo "$out" | tr -s '\n' ' ' | sed 's/ *$//')")
+    fi
+  fi
+  [ ${#problems[@]} -eq 0 ] || printf '%s; ' "${problems[@]}" | sed 's/; $//'
 }
 
 start_server() {
@@ -152,8 +218,15 @@ SQL
     -c 'SELECT 1' >>"$data/setup.log" 2>&1 ||
     fail "the test role cannot log in over TCP" "$data/setup.log"
 
+  local odbc_error
+  odbc_error=$(write_odbc "$port" "$password")
+  [ -z "$odbc_error" ] || echo "pg-server: ODBC is not usable: $odbc_error" >&2
+
   printf 'host=127.0.0.1\nport=%s\ndb=%s\nuser=%s\npassword=%s\n' \
     "$port" "$DATABASE" "$ROLE" "$password" >"$dir/connection.env.new"
+  printf 'odbcsysini=%s\n' "$dir/odbc" >>"$dir/connection.env.new"
+  printf 'odbc_pg=%s\n' "$(odbc_pg_string "$port" "$password")" >>"$dir/connection.env.new"
+  [ -z "$odbc_error" ] || printf 'odbc_error=%s\n' "$odbc_error" >>"$dir/connection.env.new"
   mv "$dir/connection.env.new" "$dir/connection.env"
   echo "pg-server: PostgreSQL on 127.0.0.1:$port, data in $data"
 }

@@ -1,44 +1,199 @@
 #pragma once
 
-// The PostgreSQL server ctest starts for a test run (scripts/pg-server.sh). The file
-// VELMORA_PG_ENV names holds its host, port, db, user and password, one key=value a line.
+// The PostgreSQL server ctest starts for a test run (scripts/pg-server.sh), and the ODBC
+// set-up that comes with it. The file VELMORA_PG_ENV names holds, one key=value a line:
+// host, port, db, user, password of the server; odbcsysini, the directory of a private
+// odbcinst.ini (drivers "PostgreSQL Unicode" and "SQLite3") and odbc.ini (DSN
+// velmora_pg); odbc_pg, an ODBC connect string of the test database; odbc_error when the
+// start found ODBC unusable.
+//
+// Every helper that cannot give what it was asked for says why, and a test that needs it
+// fails with that text (QVERIFY2(ok, qPrintable(why))): no server, no driver, no pass.
 
 #include <QtCore/QFile>
 #include <QtCore/QHash>
+#include <QtCore/QUuid>
 #include <QtSql/QSqlDatabase>
 #include <QtSql/QSqlError>
+#include <QtSql/QSqlQuery>
 
 namespace velmora::test {
 
-// Opens a connection called `name` to the test server. When the database it returns is
-// closed, `why` says why, and a test that needs the server fails with it: no server is
-// no pass.
-inline QSqlDatabase openTestServer(const QString &name, QString &why)
+struct TestServer
 {
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name);
+    QString file; // the connection file read
+    QString host;
+    int port = 0;
+    QString db;
+    QString user;
+    QString password;
+    QString odbcSysIni; // directory ODBCSYSINI points at
+    QString odbcPostgres; // Driver={PostgreSQL Unicode};Server=...;Port=...;...
+    QString odbcError; // why ODBC is not usable; empty when it is
+};
+
+// Reads the connection file of the test server; false, with why, when there is none.
+inline bool readTestServer(TestServer &s, QString &why)
+{
     QFile file(qEnvironmentVariable("VELMORA_PG_ENV"));
+    s.file = file.fileName();
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
         why = file.fileName().isEmpty()
             ? QStringLiteral("VELMORA_PG_ENV is not set: run the test through ctest, which "
                              "starts the PostgreSQL server")
             : QStringLiteral("no PostgreSQL server: %1: %2")
                   .arg(file.fileName(), file.errorString());
-        return db;
+        return false;
     }
-    QHash<QByteArray, QString> s;
+    QHash<QByteArray, QString> v;
     for (const QByteArray &line : file.readAll().split('\n')) {
         if (const qsizetype eq = line.indexOf('='); eq > 0)
-            s.insert(line.left(eq), QString::fromUtf8(line.mid(eq + 1)));
+            v.insert(line.left(eq), QString::fromUtf8(line.mid(eq + 1)));
     }
-    db.setHostName(s.value("host"));
-    db.setPort(s.value("port").toInt());
-    db.setDatabaseName(s.value("db"));
-    db.setUserName(s.value("user"));
-    db.setPassword(s.value("password"));
+    s.host = v.value("host");
+    s.port = v.value("port").toInt();
+    s.db = v.value("db");
+    s.user = v.value("user");
+    s.password = v.value("password");
+    s.odbcSysIni = v.value("odbcsysini");
+    s.odbcPostgres = v.value("odbc_pg");
+    s.odbcError = v.value("odbc_error");
+    if (s.host.isEmpty() || s.port <= 0 || s.db.isEmpty() || s.user.isEmpty()) {
+        why = QStringLiteral("%1 names no server (host, port, db, user)").arg(s.file);
+        return false;
+    }
+    return true;
+}
+
+// Opens a QPSQL connection called `name` to the test server. When the database it returns
+// is closed, `why` says why.
+inline QSqlDatabase openTestServer(const QString &name, QString &why)
+{
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name);
+    TestServer s;
+    if (!readTestServer(s, why))
+        return db;
+    db.setHostName(s.host);
+    db.setPort(s.port);
+    db.setDatabaseName(s.db);
+    db.setUserName(s.user);
+    db.setPassword(s.password);
     if (!db.open())
         why = QStringLiteral("cannot connect to the PostgreSQL server of %1: %2")
-                  .arg(file.fileName(), db.lastError().text());
+                  .arg(s.file, db.lastError().text());
     return db;
+}
+
+// Connection strings as a field takes them, one per way to the data.
+
+// Qt's PostgreSQL driver to the test server.
+inline QString qpsqlConnectString(const TestServer &s)
+{
+    return QStringLiteral("Driver=QPSQL;Host=%1;Port=%2;Database=%3;User=%4;Password=%5")
+        .arg(s.host)
+        .arg(s.port)
+        .arg(s.db, s.user, s.password);
+}
+
+// Qt's ODBC driver, through unixODBC and the driver "PostgreSQL Unicode", to the test
+// server: everything after the first key goes to the driver manager.
+inline QString odbcPostgresConnectString(const TestServer &s)
+{
+    return QStringLiteral("Driver=QODBC;") + s.odbcPostgres;
+}
+
+// Qt's ODBC driver, through unixODBC and the driver "SQLite3", to a database file. The
+// driver creates a file that does not exist (empty) unless NoCreat=1 is added. The path
+// must hold no ';'.
+inline QString odbcSqliteConnectString(const QString &file)
+{
+    return QStringLiteral("Driver=QODBC;Driver={SQLite3};Database=") + file;
+}
+
+// Whether the private ODBC set-up of the test server can be used, else why. Points
+// ODBCSYSINI at it when the environment does not (a test run by hand with VELMORA_PG_ENV
+// alone): unixODBC reads the variable once, so call this before the first ODBC
+// connection of the process.
+inline bool odbcReady(const TestServer &s, QString &why)
+{
+    if (!s.odbcError.isEmpty()) {
+        why = QStringLiteral("ODBC is not usable (%1): %2").arg(s.file, s.odbcError);
+        return false;
+    }
+    if (s.odbcSysIni.isEmpty() || s.odbcPostgres.isEmpty()) {
+        why = QStringLiteral("%1 has no ODBC set-up (odbcsysini, odbc_pg): a server started "
+                             "by an older scripts/pg-server.sh?")
+                  .arg(s.file);
+        return false;
+    }
+    if (!QFile::exists(s.odbcSysIni + QStringLiteral("/odbcinst.ini"))) {
+        why = QStringLiteral("no odbcinst.ini in %1").arg(s.odbcSysIni);
+        return false;
+    }
+    if (qEnvironmentVariableIsEmpty("ODBCSYSINI"))
+        qputenv("ODBCSYSINI", QFile::encodeName(s.odbcSysIni));
+    else if (qEnvironmentVariable("ODBCSYSINI") != s.odbcSysIni) {
+        why = QStringLiteral("ODBCSYSINI is %1, the test server's ODBC set-up is in %2")
+                  .arg(qEnvironmentVariable("ODBCSYSINI"), s.odbcSysIni);
+        return false;
+    }
+    if (!QSqlDatabase::isDriverAvailable(QStringLiteral("QODBC"))) {
+        why = QStringLiteral("Qt has no QODBC driver (package libqt6sql6-odbc)");
+        return false;
+    }
+    return true;
+}
+
+// Opens a QODBC connection called `name` with an ODBC connect string (no "Driver=QODBC;"
+// in front). When the database it returns is closed, `why` says why.
+inline QSqlDatabase openOdbc(const QString &name, const QString &odbcConnect, QString &why)
+{
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QODBC"), name);
+    db.setDatabaseName(odbcConnect);
+    if (!db.open())
+        why = QStringLiteral("cannot connect through ODBC with %1: %2")
+                  .arg(odbcConnect, db.lastError().text());
+    return db;
+}
+
+// Ends every other session the test role has on the test database, from a connection of
+// its own, and waits until they are gone: what a dropped network or a restarted server
+// does to a connection in use. Returns how many ended, or -1 with why.
+inline int terminateOtherSessions(QString &why)
+{
+    const QString name = QStringLiteral("terminator-") + QUuid::createUuid().toString();
+    int ended = -1;
+    {
+        QSqlDatabase db = openTestServer(name, why);
+        if (db.isOpen()) {
+            // Only client sessions of the test role: signalling an autovacuum worker of the
+            // same database would be an error for a role that is no superuser.
+            QSqlQuery q(db);
+            if (q.exec(QStringLiteral(
+                    "SELECT pg_terminate_backend(pid, 5000) FROM pg_stat_activity"
+                    " WHERE datname = current_database() AND pid <> pg_backend_pid()"
+                    " AND backend_type = 'client backend' AND usename = current_user"))) {
+                int asked = 0;
+                ended = 0;
+                while (q.next()) {
+                    ++asked;
+                    ended += q.value(0).toBool() ? 1 : 0;
+                }
+                if (ended < asked) {
+                    why = QStringLiteral("%1 of %2 other sessions did not end within 5 s")
+                              .arg(asked - ended)
+                              .arg(asked);
+                    ended = -1;
+                }
+            } else {
+                why = QStringLiteral("ending the other sessions failed: %1")
+                          .arg(q.lastError().text());
+            }
+        }
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(name);
+    return ended;
 }
 
 } // namespace velmora::test
