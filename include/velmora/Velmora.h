@@ -1,5 +1,6 @@
 #pragma once
 
+#include <velmora/DatabaseError.h>
 #include <velmora/FieldFont.h>
 #include <velmora/Global.h>
 #include <velmora/Types.h>
@@ -235,18 +236,27 @@ public:
     void setListAddNewItem(bool on);
     QString ListNewItemText() const;
     void setListNewItemText(const QString &text);
-    // 0 while no list window exists (the list window is not built yet).
+    // Rows of the list window, the new-item row included; 0 before the first load.
     qint32 ListCount() const;
-    // False while no list window exists (the list window is not built yet).
+    // Whether the list window is open; false before the first load.
     bool ListVisible() const;
     bool ListItemSelected() const;
-    // Pending: the list lookup is not built yet; true unless the field shows a list.
+    // False only for a field with a list whose value is in no row of it.
     bool ListOK() const;
-    // Pending: the list is not built yet; returns "".
+    // The cell in column nSl of the row that holds the value; "" without a list window,
+    // without such a row, or for a column the list does not have.
     Q_INVOKABLE QString GetSelectedElem(qint16 nSl) const;
-    // Pending: list loading is not built yet; does nothing.
+    // Loads the list, synchronously: from Rs when given (a host's active query, read
+    // forward from where it stands to its end and left there), else from SQLList over
+    // SQLConnect (a connection of the field's own, closed again; an empty SQLConnect
+    // uses QSqlDatabase::database()), else from the rows given to AddItem, and for a
+    // boolean field from its two texts. Throws velmora::DatabaseError when the
+    // connection string is unusable, the connection fails or the query fails (also part
+    // way); the list is then empty and the field stays usable. docs/lookup.md says how to
+    // keep a window responsive around a large load.
     void InitList(QSqlQuery *Rs = nullptr);
-    // Pending: list loading is not built yet; does nothing.
+    // Adds a row (cells separated by tabs) for the next InitList without a query; the
+    // first row after a load fixes the number of columns. Nothing without SetList.
     void AddItem(QString &sRet);
 
     // --- Appearance ------------------------------------------------------------------

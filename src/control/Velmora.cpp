@@ -21,8 +21,12 @@ Velmora::Velmora(QWidget *parent) : QWidget(parent), d(std::make_unique<VelmoraP
     QObject::connect(d->cmdList, &QToolButton::clicked, this, [this] {
         QPointer<Velmora> alive(this);
         Q_EMIT ButtonClick();
-        if (alive)
+        if (!alive)
+            return;
+        if (d->set.displayMode == dmChangeable || d->set.displayMode == dmLandable)
             d->dropDown();
+        else
+            d->warningBeep();
     });
     QObject::connect(d->txtInput, &QLineEdit::customContextMenuRequested, this,
                      [this](const QPoint &pos) { d->contextMenu(pos); });
@@ -58,6 +62,9 @@ void Velmora::setValue(const QString &value)
 
 QVariant Velmora::varValue() const
 {
+    // A value taken from the list is typed by the list's value column.
+    if (d->listsValue() && d->chosenValueCell())
+        return typedValue(d->valueGet(), d->columnFormat(d->set.valueCol), d->set.nullable);
     return storedTypedValue(d->val.text, d->fieldFormat(), d->set.nullable);
 }
 
@@ -73,11 +80,22 @@ QString Velmora::FormValue() const
 
 QString Velmora::SQLValue() const
 {
+    // With a list, the value column's cell of the matching row, or nothing.
+    if (d->listsValue()) {
+        const std::optional<QString> cell = d->chosenValueCell();
+        return cell ? sqlValue(*cell, d->columnFormat(d->set.valueCol)) : QString();
+    }
     return sqlValue(d->val.text, d->fieldFormat());
 }
 
 QString Velmora::PrecValue() const
 {
+    if (d->listsValue()) {
+        if (d->list.columns.dataType(d->set.valueCol) != itNum || !d->chosenValueCell())
+            return QString();
+        const auto n = toNumber(d->valueGet(), d->set.parsed.regional);
+        return n ? plainNumber(*n) : QString();
+    }
     if (d->set.inputType != itNum || d->set.setList || trimBlanks(d->val.text).isEmpty()
         || !d->val.number)
         return QString();
@@ -217,8 +235,7 @@ VELMORA_PLAIN_PROPERTY(qint16, ValueCol, set.valueCol)
 VELMORA_PLAIN_PROPERTY(qint16, TextCol, set.textCol)
 VELMORA_PLAIN_PROPERTY(qint16, MatchCol, set.matchCol)
 VELMORA_PLAIN_PROPERTY(bool, ListAddNewItem, set.listAddNewItem)
-VELMORA_PLAIN_PROPERTY(quint32, ListBackColor, set.listBackColor)
-VELMORA_PLAIN_PROPERTY(quint32, ListForeColor, set.listForeColor)
+
 VELMORA_TEXT_PROPERTY(Label, set.label)
 VELMORA_TEXT_PROPERTY(SQLConnect, set.sqlConnect)
 VELMORA_TEXT_PROPERTY(SQLList, set.sqlList)
@@ -412,14 +429,38 @@ void Velmora::setFormChanged(bool changed)
 
 // --- lookup list ---------------------------------------------------------------------
 
+quint32 Velmora::ListBackColor() const
+{
+    return d->set.listBackColor;
+}
+
+void Velmora::setListBackColor(quint32 color)
+{
+    d->set.listBackColor = color;
+    d->applyListLook();
+    d->notify("ListBackColor");
+}
+
+quint32 Velmora::ListForeColor() const
+{
+    return d->set.listForeColor;
+}
+
+void Velmora::setListForeColor(quint32 color)
+{
+    d->set.listForeColor = color;
+    d->applyListLook();
+    d->notify("ListForeColor");
+}
+
 qint32 Velmora::ListCount() const
 {
-    return 0;
+    return d->list.window ? d->list.rows.rowCount() : 0;
 }
 
 bool Velmora::ListVisible() const
 {
-    return false;
+    return d->list.window && d->list.window->isVisible();
 }
 
 bool Velmora::ListItemSelected() const
@@ -432,17 +473,25 @@ bool Velmora::ListItemSelected() const
 
 bool Velmora::ListOK() const
 {
-    return !d->set.setList;
+    return !d->set.setList || d->val.listIndex != -1;
 }
 
-QString Velmora::GetSelectedElem(qint16) const
+QString Velmora::GetSelectedElem(qint16 nSl) const
 {
-    return QString();
+    if (!d->list.window || d->val.listIndex < 0)
+        return QString();
+    return d->list.rows.cell(d->val.listIndex, nSl).toString();
 }
 
-void Velmora::InitList(QSqlQuery *) { }
+void Velmora::InitList(QSqlQuery *Rs)
+{
+    d->initList(Rs);
+}
 
-void Velmora::AddItem(QString &) { }
+void Velmora::AddItem(QString &sRet)
+{
+    d->addItem(sRet);
+}
 
 // --- appearance ----------------------------------------------------------------------
 
@@ -465,6 +514,7 @@ FieldFont *Velmora::ListFont() const
 void Velmora::setListFont(FieldFont *font)
 {
     d->look.followListFont(font);
+    d->applyListLook();
     d->notify("ListFont");
 }
 

@@ -89,8 +89,13 @@ ValueFormat VelmoraPrivate::fieldFormat() const
 
 FieldValueSettings VelmoraPrivate::valueSettings() const
 {
-    return {fieldFormat(), set.maxLength, set.setList, switchOn(Switch::ListCheckValue),
-            switchOn(Switch::EnableEmpty)};
+    FieldValueSettings s;
+    s.format = fieldFormat();
+    s.maxLength = set.maxLength;
+    s.setList = set.setList;
+    s.listCheck = switchOn(Switch::ListCheckValue);
+    s.enableEmpty = switchOn(Switch::EnableEmpty);
+    return s;
 }
 
 EditSettings VelmoraPrivate::editSettings() const
@@ -205,6 +210,8 @@ bool VelmoraPrivate::apply(const EditOutcome &o, Origin origin)
     // A handler of Change that set a value or a format has the last word.
     if (val.generation != generation)
         return true;
+    if (o.listIndex && !notifyListChanged())
+        return false;
     QPointer<Velmora> alive(q);
     if (o.arrowKey) {
         qint16 arrow = qint16(*o.arrowKey);
@@ -248,13 +255,26 @@ bool VelmoraPrivate::report(int number, const QString &value)
 
 QString VelmoraPrivate::valueGet() const
 {
+    // A field whose value is a row of its list gives the row's value, not its text.
+    if (const std::optional<QString> cell = listsValue() ? chosenValueCell() : std::nullopt)
+        return textToValue(*cell, columnFormat(set.valueCol), true);
     return storedValue(val.text, fieldFormat());
 }
 
 bool VelmoraPrivate::valueLet(const QString &input)
 {
     val.lastValue = q->varValue();
-    const Assignment a = assignValue(wellFormed(capped(input)), valueSettings(), val.text);
+    const QString value = wellFormed(capped(input));
+    FieldValueSettings settings = valueSettings();
+    if (listsValue()) {
+        settings.listRow = valueRow(value);
+        if (settings.listRow >= 0) {
+            const QString text = list.rows.cell(settings.listRow, set.textCol).toString();
+            settings.listText = textToValue(text, columnFormat(set.textCol), true);
+        }
+        settings.valueColumnNumeric = list.columns.dataType(set.valueCol) == itNum;
+    }
+    const Assignment a = assignValue(value, settings, val.text);
     if (a.clearFirst && !a.show && !clear())
         return false;
     if (a.show) {
@@ -266,6 +286,8 @@ bool VelmoraPrivate::valueLet(const QString &input)
         if (set.inputType == itNum)
             val.number = a.show->number;
         if (!writeText(a.show->shown, a.show->stored, Origin::Assigned, false))
+            return false;
+        if (!notifyListChanged())
             return false;
         if (a.clearFirst)
             val.baseText = val.text;
@@ -296,7 +318,7 @@ bool VelmoraPrivate::letValue(const QString &text)
 bool VelmoraPrivate::clear()
 {
     const QString empty = set.inputType == itDate ? set.parsed.emptyDateText : QString();
-    val.listIndex = val.baseListIndex = -1;
+    val.listIndex = val.baseListIndex = list.notifiedIndex = -1;
     val.number.reset();
     if (!writeText(empty, empty, Origin::Assigned))
         return false;
@@ -494,11 +516,6 @@ void VelmoraPrivate::sendShiftTab()
 {
     QCoreApplication::postEvent(
         txtInput, new QKeyEvent(QEvent::KeyPress, Qt::Key_Backtab, Qt::ShiftModifier));
-}
-
-void VelmoraPrivate::dropDown()
-{
-    // The drop-down list window is not built yet.
 }
 
 } // namespace velmora

@@ -4,11 +4,13 @@
 // the value (FieldState.h), the key engine, the look of the inner controls
 // (Appearance.h) and the filter of the edit box's events (EditBoxEvents.h). Every
 // change of the edit box's text goes through writeText(), the one exit of an edit.
-// The lookup list (its rows and window) and the focus lifecycle (the exit check on
-// leaving) are to be owners of their own beside these, reached through the same exit.
+// The lookup list (FieldList.h: its rows, columns and window) is one more owner; a row
+// chosen in its window reaches the edit box through the same exit. The focus lifecycle
+// (the exit check on leaving) is to be an owner of its own beside these.
 
 #include "Appearance.h"
 #include "EditBoxEvents.h"
+#include "FieldList.h"
 #include "FieldState.h"
 #include "editing/KeyEngine.h"
 #include "format/ValueAssignment.h"
@@ -18,6 +20,7 @@
 #include <QtCore/QPointer>
 
 class QLabel;
+class QSqlQuery;
 class QLineEdit;
 class QToolButton;
 class QFrame;
@@ -40,6 +43,7 @@ public:
     detail::Appearance look;
     detail::KeyEngine engine {*this};
     detail::EditBoxEvents events;
+    detail::FieldList list;
 
     bool runMode() const;
     detail::ValueFormat fieldFormat() const;
@@ -96,7 +100,32 @@ public:
 
     void sendTab();
     void sendShiftTab();
-    void dropDown();
+
+    // The lookup list (FieldListing.cpp).
+    bool hasNewItemRow() const { return set.listAddNewItem && set.inputType != itBool; }
+    bool listsValue() const { return set.setList && set.inputType != itBool; }
+    detail::ListWindow *listWindow(); // created on first use
+    detail::ListCellFormatter cellFormatter() const;
+    detail::ValueFormat columnFormat(int column) const;
+    // Loads the list; throws DatabaseError, the list then being empty. keepOnFailure:
+    // the rows shown before stay instead (a refresh by the drop-down).
+    void initList(QSqlQuery *rs, bool keepOnFailure = false);
+    void addItem(const QString &line);
+    // The row whose cell in the column equals the text (trimmed, in upper case); the
+    // new-item row is never found; -1 without a window or a match.
+    int findListRow(int column, const QString &text) const;
+    // The row a value of the field is in: the value shown as a cell of the value column,
+    // then found there.
+    qint16 valueRow(const QString &value) const;
+    // The value column's cell of the row the value matches, when it is a real row.
+    std::optional<QString> chosenValueCell() const;
+    bool notifyListChanged();
+    bool dropDown();
+    bool showList();
+    bool addNewItem(const QString &line);
+    bool takeListRow(int row);
+    void applyListLook();
+    void layoutListColumns();
 };
 
 } // namespace velmora

@@ -90,9 +90,13 @@ Assignment assignValue(const QString &value, const FieldValueSettings &s,
         return a;
     }
     QString t = value;
-    if (s.setList) {
-        // No list is loaded, so no row matches.
-        const bool empty = s.enableEmpty && trimBlanks(value).isEmpty();
+    if (s.setList && s.listRow >= 0) {
+        // A row of the list holds the value: the field shows the row's text.
+        a.listIndex = s.listRow;
+        t = s.listText;
+    } else if (s.setList) {
+        const bool zero = s.valueColumnNumeric && toNumber(value, vf.regional) == 0.0;
+        const bool empty = s.enableEmpty && (trimBlanks(value).isEmpty() || zero);
         if (s.listCheck) {
             if (empty) {
                 a.clearFirst = true;

@@ -21,6 +21,12 @@ struct FieldValueSettings
     bool setList = false;
     bool listCheck = true; // the ListCheckValue switch as the switch test resolves it
     bool enableEmpty = true; // the EnableEmpty switch as the switch test resolves it
+    // With a lookup list: the row the value was found in (-1: none, or the new-item
+    // row) and the stored form of that row's text cell, and whether the list's value
+    // column is numeric (a zero value then counts as empty).
+    qint16 listRow = -1;
+    QString listText;
+    bool valueColumnNumeric = false;
 };
 
 // A message to report: its number and the value put into its text.

@@ -37,11 +37,15 @@ public:
             std::exchange(whileBoxOpen, {})();
     }
     QDate today() const override { return fixedToday; }
-    QDateTime now() const override { return QDateTime(fixedToday, QTime(10, 0)); }
+    QDateTime now() const override
+    {
+        return QDateTime(fixedToday, QTime(10, 0)).addSecs(60 * minutesLater);
+    }
     RegionalSettings regionalSettings() const override { return regional; }
 
     RegionalSettings regional;
     QDate fixedToday {2026, 5, 17};
+    int minutesLater = 0; // the clock moved on since 10:00
     QList<QPair<int, int>> beeps;
     QList<Box> boxes;
     std::function<void()> whileBoxOpen;
