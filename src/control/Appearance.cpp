@@ -56,6 +56,7 @@ void Appearance::setup(QWidget *field, QLineEdit *edit, QLabel *label, QToolButt
     m_ownTextFont.assign(edit->font());
     m_ownListFont.assign(label->font());
     followTextFont(nullptr);
+    followListFont(nullptr);
     oriBC = backColor;
     applyColors();
 }
@@ -91,12 +92,13 @@ void Appearance::followListFont(FieldFont *font)
 {
     QObject::disconnect(m_listConnection);
     m_listFont = font;
-    if (!font)
-        return;
-    copySilently(m_ownListFont, *font);
-    m_listConnection = QObject::connect(font, &FieldFont::FontChanged, m_field, [this] {
+    if (font)
+        copySilently(m_ownListFont, *font);
+    m_listConnection = QObject::connect(listFont(), &FieldFont::FontChanged, m_field, [this] {
         if (m_listFont)
             copySilently(m_ownListFont, *m_listFont);
+        if (listFontChanged)
+            listFontChanged();
     });
 }
 

@@ -9,6 +9,8 @@
 #include <QtCore/QPointer>
 #include <QtGui/QPalette>
 
+#include <functional>
+
 class QFrame;
 class QLabel;
 class QLineEdit;
@@ -43,6 +45,8 @@ public:
     void followListFont(FieldFont *font);
 
     static QColor toQColor(quint32 color, QPalette::ColorRole systemRole);
+    // Called after the list font changed (another object, or an attribute of it).
+    std::function<void()> listFontChanged;
 
 private:
     void applyTextFont(const QString &attribute);

@@ -514,7 +514,7 @@ FieldFont *Velmora::ListFont() const
 void Velmora::setListFont(FieldFont *font)
 {
     d->look.followListFont(font);
-    d->applyListLook();
+    d->look.listFontChanged();
     d->notify("ListFont");
 }
 

@@ -43,6 +43,9 @@ VelmoraPrivate::VelmoraPrivate(Velmora *field)
     cmdList->hide();
 
     look.setup(q, txtInput, lblVis, cmdList);
+    look.listFontChanged = [this] {
+        applyListLook();
+    };
     // The separators of a field never parsed (designed forms) are the regional ones.
     set.parsed.regional = Platform::instance().regionalSettings();
 }

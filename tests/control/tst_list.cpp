@@ -159,6 +159,8 @@ private slots:
         QCOMPARE(column(t.field, 2), QStringList({"", "24.12.2005", ""}));
         QVERIFY(listTable(t.field)->isColumnHidden(0));
         QVERIFY(!listTable(t.field)->isColumnHidden(1));
+        t.field->ListFont()->setSize(21); // the list font follows its object
+        QCOMPARE(listTable(t.field)->font().pointSizeF(), 21.0);
         // The rows were taken: the next load without new rows has none.
         t.field->setListAddNewItem(false);
         t.field->InitList();
