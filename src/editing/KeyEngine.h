@@ -180,6 +180,8 @@ private:
     QString shown(const QString &text) const;
     bool plainDisplay() const;
     std::optional<bool> caseOnlyUpper() const;
+    bool renderInPlace(int start, int removed, char16_t key);
+    void rendered(int characters);
     bool boolKeyPress(char16_t key);
     void boolDelete();
 
@@ -211,6 +213,11 @@ private:
     // The digit count of the numeric text, valid while the box's version stands.
     DigitCount m_digits;
     quint64 m_digitsVersion = ~quint64(0);
+    // While characters come in one burst into a field with a string pattern: the box is
+    // the pattern's rendering of a text of this many characters (no surrogates in it)
+    // as long as the box's version stands.
+    int m_renderedFrom = 0;
+    quint64 m_renderedVersion = ~quint64(0);
 };
 
 } // namespace velmora::detail
