@@ -91,16 +91,15 @@ QList<Part> splitParts(const QString &text)
                 part.value += s.at(i++);
             }
             if (!closed)
-                refuse(QStringLiteral("the value of part %1 (%2) has no closing %3")
+                refuse(QStringLiteral("the value of part %1 has no closing %2")
                            .arg(number)
-                           .arg(part.key, QString(close)));
+                           .arg(close));
             part.raw = s.sliced(valueStart, i - valueStart).toString();
             while (i < n && isBlank(s.at(i)))
                 ++i;
             if (i < n && s.at(i) != u';')
-                refuse(QStringLiteral("part %1 (%2) goes on after its closing %3")
-                           .arg(number)
-                           .arg(part.key, QString(close)));
+                refuse(
+                    QStringLiteral("part %1 goes on after its closing %2").arg(number).arg(close));
         } else {
             while (i < n && s.at(i) != u';')
                 ++i;
@@ -209,9 +208,12 @@ QString odbcDatabaseName(const QList<Part> &parts)
     return joined(dsn);
 }
 
-bool isPasswordKey(const QString &name)
+// The ODBC parts a message may show: those that name the source, never a password nor
+// a part that an unbraced password with ";" in it may have left behind.
+bool isShownOdbcKey(const QString &name)
 {
-    return keyOf(name) == Key::Password;
+    const Key key = keyOf(name);
+    return (key != Key::Password && key != Key::Other) || name == u"dsn" || name == u"filedsn";
 }
 
 } // namespace
@@ -239,7 +241,7 @@ ConnectionSettings parseConnectionString(const QString &text)
         cs.databaseName = odbcDatabaseName(odbc);
         QStringList shown;
         for (const Part &p : std::as_const(odbc))
-            if (!isPasswordKey(p.name))
+            if (isShownOdbcKey(p.name))
                 shown.append(odbcPart(p));
         cs.odbcShown = shown.join(u';');
         return cs;

@@ -26,7 +26,9 @@
 // contains ".dsn" cannot be handed over and is refused.
 //
 // A string that cannot be read throws velmora::DatabaseError with a message that names
-// the part by its number, never quoting a value that might be a password.
+// the part by its number, never quoting a key or value that might hold a password (an
+// unbraced password with ";" in it falls apart into such parts). Only a driver name
+// and a port are quoted.
 
 #include <QtCore/QString>
 
@@ -43,12 +45,12 @@ struct ConnectionSettings
     QString userName;
     QString password;
     QString connectOptions;
-    QString odbcShown; // QODBC: the ODBC parts without those that hold a password
+    QString odbcShown; // QODBC: the parts that name the source (DSN, Driver, Server, ...)
 
     // Sets everything on a database of the driver.
     void applyTo(QSqlDatabase &db) const;
     // The connection for messages: driver, database, host, port and user; never the
-    // password (for QODBC the ODBC string without its password parts).
+    // password (for QODBC the ODBC parts that name the source and the user).
     QString describe() const;
 };
 

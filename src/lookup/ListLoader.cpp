@@ -48,8 +48,9 @@ QString shownQuery(const QString &sql)
 }
 
 // A database value as the text the list formats: numbers and dates as the regional
-// settings write them (so that the display formatter reads them back), Null as "".
-QString valueText(const QVariant &v, const RegionalSettings &rs)
+// settings write them (so that the display formatter reads them back), Null as "". A
+// date with a time of day keeps the time, except in a date column.
+QString valueText(const QVariant &v, const RegionalSettings &rs, bool dateColumn)
 {
     if (v.isNull())
         return {};
@@ -64,7 +65,7 @@ QString valueText(const QVariant &v, const RegionalSettings &rs)
     case QMetaType::QDateTime: {
         const QDateTime dt = v.toDateTime();
         const QString date = dateToString(dt.date(), rs);
-        return dt.time() == QTime(0, 0)
+        return dateColumn || dt.time() == QTime(0, 0)
             ? date
             : date + u' ' + dt.time().toString(QStringLiteral("HH:mm:ss"));
     }
@@ -133,6 +134,8 @@ public:
             m_asIs.push_back(!options.formatCells || m_formatter.showsAsIs(c));
         }
     }
+
+    bool isDateColumn(int c) const { return m_formatter.valueFormat(c).type == itDate; }
 
     // A cell whose text the caller keeps alive until endRow().
     void cell(int c, QStringView raw)
@@ -240,10 +243,13 @@ void readQuery(QSqlQuery &query, const ListLoadOptions &options, LoadedList &out
     if (columnsReady)
         columnsReady(out.columns, columns);
     RowBuilder rows(options, out, columns);
+    std::vector<bool> dateColumn(size_t(std::max(columns, 0)));
+    for (int c = 0; c < columns; ++c)
+        dateColumn[size_t(c)] = rows.isDateColumn(c);
     bool onRow = query.isValid() || (query.at() == QSql::BeforeFirstRow && query.next());
     while (onRow) {
         for (int c = 0; c < columns; ++c)
-            rows.cell(c, valueText(query.value(c), options.regional));
+            rows.cell(c, valueText(query.value(c), options.regional, dateColumn[size_t(c)]));
         if (!rows.endRow())
             return;
         onRow = query.next();

@@ -92,7 +92,7 @@ private Q_SLOTS:
         columns<QString, QString>({"text", "shows"});
         row("server", "Driver=QPSQL;Host=h;Port=5;Database=d;User=u;Password=hunter2",
             "QPSQL database \"d\" on h:5 as u");
-        row("ODBC", "Driver=QODBC;DSN=x;UID=u;pwd={hunter2}", "QODBC \"DSN=x;UID=u\"");
+        row("ODBC", "Driver=QODBC;DSN=x;UID=u;pwd={hunter2};hunter3=x", "QODBC \"DSN=x;UID=u\"");
     }
     void describeLeavesOutThePassword()
     {

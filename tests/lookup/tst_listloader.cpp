@@ -333,15 +333,18 @@ private Q_SLOTS:
                                     .arg(admin.port())
                                     .arg(admin.databaseName(), admin.userName(), admin.password());
         Field field;
-        field.listFormat = u"N#,##0.00|A|D|N|B|A"_s;
+        field.listFormat = u"N#,##0.00|A|D|N|B|A|D"_s;
         field.textCol = 1;
-        const LoadedList list = ListLoader(field.options())
-                                    .fromConnection(connect,
-                                                    u"SELECT 1234.5::numeric, 'Brno'::text, "
-                                                    "DATE '2005-12-24', NULL::int, true, "
-                                                    "TIMESTAMP '2005-12-24 10:30:00'"_s,
-                                                    field.ready());
-        QCOMPARE(joinedRow(list.rows, 0), u"1 234,50|Brno|24.12.2005||ANO|24.12.2005 10:30:00"_s);
+        const LoadedList list
+            = ListLoader(field.options())
+                  .fromConnection(
+                      connect,
+                      u"SELECT 1234.5::numeric, 'Brno'::text, "
+                      "DATE '2005-12-24', NULL::int, true, "
+                      "TIMESTAMP '2005-12-24 10:30:00', TIMESTAMP '2005-12-25 23:59:00'"_s,
+                      field.ready());
+        QCOMPARE(joinedRow(list.rows, 0),
+                 u"1 234,50|Brno|24.12.2005||ANO|24.12.2005 10:30:00|25.12.2005"_s);
 
         const QStringList before = QSqlDatabase::connectionNames();
         try {
