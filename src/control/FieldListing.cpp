@@ -115,6 +115,12 @@ LoadedList runLoad(LoadPlan &plan, QSqlQuery *rs)
     const ColumnsReady ready = [&plan](ListColumns &columns, int count) {
         columns.setUpperBound(count - 1);
         plan.formatMessage = parseListFormat(plan.listFormat, plan.field, columns, plan.parsed);
+        // A date value column without a format shows its dates in the layout they are
+        // read back in (the default one), whatever the regional short date is.
+        const int valueCol = plan.field.valueCol;
+        if (valueCol >= 0 && valueCol < count && columns.dataType(valueCol) == itDate
+            && columns.formatString(valueCol).isEmpty())
+            columns.setFormatString(valueCol, DefaultDateFormat);
     };
     switch (plan.source) {
     case Source::Bool:

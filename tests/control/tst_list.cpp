@@ -167,6 +167,21 @@ private slots:
         QCOMPARE(t.field->ListCount(), 0);
     }
 
+    // A date value column without a format shows its dates in the layout they are read
+    // back in, whatever the regional short date: the literal is the same date.
+    void dateValueColumn()
+    {
+        TestForm t(RegionalSettings::english());
+        t.field->setSetList(true);
+        t.field->setListFormatString(QStringLiteral("D|A"));
+        t.field->setTextCol(1);
+        addRows(t.field, {QStringLiteral("2005-12-24\tChristmas")});
+        t.field->InitList();
+        t.field->setValue(QStringLiteral("2005-12-24"));
+        QCOMPARE(t.box()->text(), QStringLiteral("Christmas"));
+        QCOMPARE(t.field->SQLValue(), QStringLiteral("12/24/2005"));
+    }
+
     void booleanFieldListsItsTexts()
     {
         TestForm t;
