@@ -2,7 +2,7 @@
 // and connection strings. The input chooses the texts and settings; a broken property
 // aborts with its report.
 
-#include "ListFuzz.h"
+#include "fuzz/ListFuzz.h"
 
 #include <QtCore/QCoreApplication>
 

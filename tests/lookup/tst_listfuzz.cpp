@@ -2,7 +2,7 @@
 // seed is fixed (VELMORA_FUZZ_SEED overrides it) and printed with a failure, so that
 // the input can be replayed.
 
-#include "ListFuzz.h"
+#include "fuzz/ListFuzz.h"
 
 #include "common/DataRows.h"
 #include "common/TestRegistry.h"
