@@ -56,6 +56,11 @@ inline const QStringList &setups()
                                     "A max5",
                                     "A1> max5 at",
                                     "A> ins",
+                                    "A fmt=@@@-@@@",
+                                    "A fmt=>&&_@@ ins",
+                                    "A fmt=!<@@/&&",
+                                    "A fmt=x#",
+                                    "A fmt=1>",
                                     "A dm1",
                                     "A ea2 aa3",
                                     "A dm3",
@@ -232,8 +237,6 @@ public:
         host.configure(setup);
         host.stored = initialText(host, initialChoice);
         host.clipboard = wellFormed(capped(clipboard)); // as the field reads its clipboard
-        if (patterned())
-            host.clipboard.truncate(300); // see patterned()
         engine.enterField();
         const QString text = box.text();
         m_layoutHeld = sameLayout(text);
@@ -267,7 +270,7 @@ public:
             break;
         }
         case Op::Commit: {
-            const QString text = wellFormed(patterned() ? op.text.left(300) : op.text);
+            const QString text = wellFormed(op.text);
             typedOneByOne = oneByOne(text);
             engine.commitText(text);
             break;
@@ -279,8 +282,6 @@ public:
         switch (op.kind) {
         case Op::Paste:
             host.clipboard = wellFormed(capped(op.text));
-            if (patterned())
-                host.clipboard.truncate(300); // see patterned()
             // A date or number pasted whole is not typed; any other paste is.
             if (wholeValueText(host.type, host.clipboard, host.parsed, host.regional()).isNull())
                 typedOneByOne = oneByOne(host.clipboard);
@@ -309,10 +310,8 @@ public:
             break;
         }
 
-        // A string pattern renders the whole text for every character typed: a long paste
-        // into such a field without MaxLength is the one that may take its time.
         const double ms = 1000.0 * double(std::clock() - started) / CLOCKS_PER_SEC;
-        if (!patterned() && ms > 250 * Slowdown)
+        if (ms > 250 * Slowdown)
             return QStringLiteral("an operation took %1 ms").arg(ms);
         const QString text = box.text();
         const int s = box.selStart(), l = box.selLength();
@@ -400,15 +399,6 @@ private:
         default:
             return {};
         }
-    }
-
-    // A string pattern renders the whole text for every character typed: a long paste
-    // into such a field without MaxLength costs its length squared, so its texts are
-    // kept short here and it has no time limit.
-    bool patterned() const
-    {
-        const bool caseOnly = host.format == QLatin1String(">");
-        return host.type == itAlfaNum && !host.format.isEmpty() && !caseOnly && host.maxLen == 0;
     }
 
     // The field takes a lone surrogate unit as the replacement character.

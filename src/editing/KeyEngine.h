@@ -181,7 +181,9 @@ private:
     bool plainDisplay() const;
     std::optional<bool> caseOnlyUpper() const;
     bool renderInPlace(int start, int removed, char16_t key);
-    void rendered(int characters);
+    void rendered(int characters, int from, int to);
+    std::pair<int, int> patternPart(int characters) const;
+    bool mapCase(int from, int to, bool upper, int floor);
     bool boolKeyPress(char16_t key);
     void boolDelete();
 
@@ -217,6 +219,7 @@ private:
     // the pattern's rendering of a text of this many characters (no surrogates in it)
     // as long as the box's version stands.
     int m_renderedFrom = 0;
+    std::pair<int, int> m_renderedPart; // where the pattern's part of the box lies
     quint64 m_renderedVersion = ~quint64(0);
 };
 

@@ -78,113 +78,165 @@ PatternShape shapeOf(const QString &pattern)
     return p;
 }
 
-// The character in the case the pattern maps to, when that is one character, the same
-// the whole text's mapping gives it; nothing for a character the mapping lengthens.
-std::optional<QChar> mapped(QChar c, PatternShape::Case mapping)
+// The number of whole characters of a text, as the pattern counts them: a surrogate
+// pair is one.
+int wholeCharacters(QStringView text)
 {
-    if (c.isSurrogate())
-        return std::nullopt;
-    if (mapping == PatternShape::Keep)
-        return c;
-    const QString whole
-        = mapping == PatternShape::Upper ? QString(c).toUpper() : QString(c).toLower();
-    if (whole.size() != 1)
-        return std::nullopt;
-    return whole.at(0);
+    int pairs = 0;
+    for (qsizetype i = 0; i + 1 < text.size(); ++i)
+        if (text.at(i).isHighSurrogate() && text.at(i + 1).isLowSurrogate())
+            ++pairs, ++i;
+    return int(text.size()) - pairs;
 }
 
 } // namespace
 
-// Notes that the box is the rendering of a text of `characters` characters, so that the
-// next character of the same burst may be rendered in place.
-void KeyEngine::rendered(int characters)
+// Notes that the box is the rendering of a text of at least `characters` whole
+// characters, whose pattern part lies at from..to of the box, so that the next
+// character of the same burst may be rendered in place.
+void KeyEngine::rendered(int characters, int from, int to)
 {
     m_renderedFrom = characters;
-    m_renderedVersion = ~quint64(0);
-    const QString &text = m_box.text();
-    if ((m_holdBack || m_collapse)
-        && std::none_of(text.begin(), text.end(), [](QChar c) { return c.isSurrogate(); }))
-        m_renderedVersion = m_box.version();
+    m_renderedPart = {from, to};
+    m_renderedVersion = m_holdBack || m_collapse ? m_box.version() : ~quint64(0);
 }
 
-// The box was the pattern's rendering of a text (rendered()), the characters from
-// `start` on to `removed` more are gone, and `key` comes in at `start`: the text to render
-// is the box with the key in it. Rendering it changes only the pattern's places and
-// other characters (at the end of the box, or at its start when the places fill from the
-// left), the key, and the case of the characters that were the pattern's own: every
-// other character is already in its case and stays. So only those are rendered, and a
-// long burst costs its length. False, with the box untouched, where that does not hold
-// (a text shorter than the places, a character whose case mapping is longer than
-// itself, a rendering over the length limit).
+// Where the pattern's part lies in a rendering: its places and own characters, at the
+// end of the box, or at its start when the places fill from the left or there are none.
+std::pair<int, int> KeyEngine::patternPart(int characters) const
+{
+    const PatternShape p = shapeOf(m_s->display.format);
+    const QString &box = m_box.text();
+    if (p.firstUpper)
+        return {0, qMin(1, int(box.size()))};
+    const int part = p.places + int(p.literals.size());
+    if (characters < p.places)
+        return {0, int(box.size())}; // places left blank: the whole box is the pattern's
+    const bool atEnd = p.places > 0 && !p.leftToRight;
+    int at = atEnd ? int(box.size()) : 0;
+    for (int n = 0; n < part && at >= 0 && at <= box.size(); ++n) {
+        if (atEnd)
+            at -= at >= 2 && box.at(at - 1).isLowSurrogate() && box.at(at - 2).isHighSurrogate()
+                ? 2
+                : 1;
+        else
+            at += at + 1 < box.size() && box.at(at).isHighSurrogate()
+                    && box.at(at + 1).isLowSurrogate()
+                ? 2
+                : 1;
+    }
+    at = qBound(0, at, int(box.size()));
+    return atEnd ? std::pair {at, int(box.size())} : std::pair {0, at};
+}
+
+// Maps the case of the whole characters in from..to of the box (widened to whole
+// characters, never below `floor`) as the pattern maps the whole text; false when a
+// character's mapping is longer or shorter than the character.
+bool KeyEngine::mapCase(int from, int to, bool upper, int floor)
+{
+    const QString &box = m_box.text();
+    from = qBound(floor, from, int(box.size()));
+    to = qBound(from, to, int(box.size()));
+    if (from > floor && box.at(from).isLowSurrogate() && box.at(from - 1).isHighSurrogate())
+        --from;
+    if (to > from && to < box.size() && box.at(to).isLowSurrogate()
+        && box.at(to - 1).isHighSurrogate())
+        ++to;
+    if (from == to)
+        return true;
+    const QStringView piece = QStringView(box).mid(from, to - from);
+    const QString cased = upper ? piece.toString().toUpper() : piece.toString().toLower();
+    if (cased.size() != piece.size())
+        return false;
+    if (cased != piece)
+        m_box.replace(from, to - from, cased);
+    return true;
+}
+
+// The box was the pattern's rendering of a text (rendered()), `removed` characters from
+// `start` on are gone, and `key` comes in at `start`: the text to render is the box with
+// the key. Rendering it changes only the pattern's part (its places take their
+// characters again, between its own ones), the case of the characters the previous
+// part held and of the key and its neighbours: every other character is in its case
+// already and stays where it is. So only those are rendered, and a long burst costs its
+// length. False, with the box untouched, when the text is too short to fill the places
+// or the rendering would pass the length limit; the rest is rendered whole.
 bool KeyEngine::renderInPlace(int start, int removed, char16_t key)
 {
     const PatternShape p = shapeOf(m_s->display.format);
-    const int before = m_box.size() + removed; // the rendering the key went into
+    const int own = int(p.literals.size());
     const int text = m_box.size() + 1; // the text to render: the box with the key
-    const QString &box = m_box.text();
-    // Positions in the box with the key, from positions in the rendering it went into.
-    const auto begin = [&](int at) {
+    // Whole characters of the text, at least: a surrogate may pair with its neighbour.
+    const int characters = m_renderedFrom - removed + (QChar::isSurrogate(key) ? 0 : 1);
+    if (text + own > MaxTextLength || (!p.firstUpper && characters < p.places))
+        return false;
+    // The previous part, in the box with the key.
+    const auto shifted = [&](int at) {
         return at < start ? at : at >= start + removed ? at - removed + 1 : start;
     };
-    const auto end = [&](int at) {
-        return at <= start ? at : qMax(start + 1, at - removed + 1);
-    };
-    // The characters to map: the key, and those in from..to of the box with the key.
-    int from = 0, to = 0;
-    PatternShape::Case mapping = p.mapping;
-    if (p.firstUpper) {
-        if (text > MaxTextLength)
-            return false;
-        mapping = PatternShape::Lower;
-        to = start == 0 ? qMin(2, text) : 0; // the former first character goes down
-    } else {
-        const int own = int(p.literals.size());
-        if (m_renderedFrom < p.places || text < p.places || text + own > MaxTextLength)
-            return false;
-        const int part = p.places + own;
-        if (p.places == 0) {
-            to = end(own);
-        } else if (p.leftToRight) {
-            to = end(part);
-        } else {
-            from = begin(before - part);
-            to = text;
-        }
-    }
-    const std::optional<QChar> typed
-        = mapped(QChar(key), p.firstUpper && start == 0 ? PatternShape::Upper : mapping);
-    if (!typed)
-        return false;
-    std::vector<QChar> cases;
-    for (int i = from; i < to; ++i) {
-        if (i == start)
-            continue;
-        const std::optional<QChar> c = mapped(box.at(i < start ? i : i - 1), mapping);
-        if (!c)
-            return false;
-        cases.push_back(*c);
-    }
-    for (const QChar c : p.literals)
-        if (!mapped(c, mapping))
-            return false;
+    const int partFrom = shifted(m_renderedPart.first);
+    const int partTo = qMax(shifted(m_renderedPart.second), partFrom);
 
-    m_box.insert(start, *typed);
-    for (int i = from, k = 0; i < to; ++i)
-        if (i != start)
-            m_box.put(i, cases[size_t(k++)]);
-    if (!p.firstUpper) {
-        // The places take their characters, between the pattern's own ones.
-        const int placesAt = p.places == 0 || p.leftToRight ? 0 : text - p.places;
-        const QString taken = m_box.text().mid(placesAt, p.places);
-        QString part;
-        int next = 0;
-        for (const QChar c : m_s->display.format) {
-            if (c != u'!' && c != u'<' && c != u'>')
-                part += c == u'@' || c == u'&' ? taken.at(next++) : c;
-        }
-        m_box.replace(placesAt, p.places, part);
+    m_box.insert(start, QChar(key));
+    bool cased = true;
+    if (p.firstUpper) {
+        // The first unit alone goes up (half a pair stays as it is), the rest down.
+        const QChar first = m_box.text().at(0);
+        const QString up = QString(first).toUpper();
+        cased
+            = up.size() == 1 && mapCase(1, 3, false, 1) && mapCase(start - 1, start + 2, false, 1);
+        if (cased && up.at(0) != first)
+            m_box.put(0, up.at(0));
+        if (cased)
+            rendered(characters, 0, 1);
+    } else if (p.mapping != PatternShape::Keep) {
+        const bool upper = p.mapping == PatternShape::Upper;
+        cased = mapCase(partFrom, partTo + 1, upper, 0) && mapCase(start - 1, start + 2, upper, 0);
     }
-    rendered(text);
+    if (cased && !p.firstUpper) {
+        // The places take their characters again, between the pattern's own ones.
+        const QString &box = m_box.text();
+        QList<QStringView> taken;
+        const bool atEnd = p.places > 0 && !p.leftToRight;
+        int at = atEnd ? text : 0;
+        while (taken.size() < p.places && (atEnd ? at > 0 : at < text)) {
+            const bool pairBefore
+                = at >= 2 && box.at(at - 1).isLowSurrogate() && box.at(at - 2).isHighSurrogate();
+            const bool pairAfter
+                = at + 1 < text && box.at(at).isHighSurrogate() && box.at(at + 1).isLowSurrogate();
+            const int width = atEnd ? (pairBefore ? 2 : 1) : (pairAfter ? 2 : 1);
+            if (atEnd) {
+                at -= width;
+                taken.prepend(QStringView(box).mid(at, width));
+            } else {
+                taken.append(QStringView(box).mid(at, width));
+                at += width;
+            }
+        }
+        if (taken.size() < p.places) {
+            cased = false; // cannot happen: the text fills the places
+        } else {
+            QString part;
+            qsizetype next = 0;
+            for (const QChar c : m_s->display.format) {
+                if (c == u'@' || c == u'&')
+                    part += taken.at(next++);
+                else if (c != u'!' && c != u'<' && c != u'>')
+                    part += c;
+            }
+            const int from = atEnd ? at : 0;
+            const int to = atEnd ? text : at;
+            m_box.replace(from, to - from, part);
+            rendered(characters, from, from + int(part.size()));
+        }
+    }
+    if (!cased) {
+        // A character whose case is longer or shorter than itself: the whole text.
+        const QString typed = m_box.text();
+        m_box.setText(shown(typed));
+        rendered(wholeCharacters(typed), 0, 0);
+        m_renderedPart = patternPart(m_renderedFrom);
+    }
     return true;
 }
 
@@ -221,7 +273,8 @@ bool KeyEngine::alfaNumKeyPress(char16_t key)
         const QString &text = m_box.text();
         const QString typed = text.left(start) + QChar(key) + text.mid(start);
         m_box.setText(shown(typed));
-        rendered(int(typed.size()));
+        rendered(wholeCharacters(typed), 0, 0);
+        m_renderedPart = patternPart(m_renderedFrom);
     }
     m_box.setSelStart(start + 1);
     // The field moves on when the caret reaches the last place, not when the text does.

@@ -80,15 +80,26 @@ private Q_SLOTS:
         QTest::addColumn<QString>("how");
         QTest::addColumn<QString>("start");
         QTest::addColumn<QChar>("character");
+        QTest::addColumn<int>("count");
+        QTest::addColumn<int>("shown"); // characters the field shows afterwards
         for (const char *how : {"paste", "commit"}) {
             QTest::addRow("%s: letters into an empty text", how)
-                << itAlfaNum << "" << how << "" << QChar(u'x');
+                << itAlfaNum << "" << how << "" << QChar(u'x') << 32767 << 32767;
             QTest::addRow("%s: letters into an upper-case text", how)
-                << itAlfaNum << ">" << how << "" << QChar(u'x');
+                << itAlfaNum << ">" << how << "" << QChar(u'x') << 32767 << 32767;
             QTest::addRow("%s: letters into a full text", how)
-                << itAlfaNum << "" << how << QString(32767, u'a') << QChar(u'x');
+                << itAlfaNum << "" << how << QString(32767, u'a') << QChar(u'x') << 32767 << 32767;
             QTest::addRow("%s: digits into an empty number", how)
-                << itNum << "" << how << "" << QChar(u'7');
+                << itNum << "" << how << "" << QChar(u'7') << 32767 << 32767;
+            QTest::addRow("%s: first letter upper", how)
+                << itAlfaNum << "1>" << how << "" << QChar(u'x') << 32767 << 32767;
+            // A pattern's own characters are typed over again with every character.
+            QTest::addRow("%s: places filled from the right", how)
+                << itAlfaNum << "@@@-@@@" << how << "" << QChar(u'x') << 16000 << 32005;
+            QTest::addRow("%s: places filled from the left, lower case", how)
+                << itAlfaNum << "!<@@/&&" << how << "" << QChar(u'X') << 16000 << 32001;
+            QTest::addRow("%s: no places", how)
+                << itAlfaNum << "x" << how << "" << QChar(u'x') << 16000 << 32000;
         }
     }
     void longPasteIsLinear()
@@ -97,9 +108,10 @@ private Q_SLOTS:
         type(VFETCH(InpType, type), VFETCH(QString, format))(field);
         field->setValue(VFETCH(QString, start));
         QTest::keyClick(t->box(), Qt::Key_End);
-        const double ms = msOf([&] { enter(how, QString(32767, VFETCH(QChar, character))); });
+        const QString text(VFETCH(int, count), VFETCH(QChar, character));
+        const double ms = msOf([&] { enter(how, text); });
         QVERIFY2(ms < 100 * Slowdown, qPrintable(QString::number(ms)));
-        QCOMPARE(field->FormValue().size(), 32767);
+        QCOMPARE(field->FormValue().size(), VFETCH(int, shown));
     }
 
     void longCommitIntoALongDate()

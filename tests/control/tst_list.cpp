@@ -261,6 +261,7 @@ private slots:
     void dropDownChooses()
     {
         TestForm t;
+        QVERIFY(QTest::qWaitForWindowActive(&t.form)); // the focus is then where it goes
         customerList(t.field);
         t.field->setValue(QStringLiteral("7"));
         QSignalSpy sel(t.field, &Velmora::ListSel), changed(t.field, &Velmora::ListChanged);

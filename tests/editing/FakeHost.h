@@ -107,6 +107,8 @@ public:
                 setDateFormat(format, format.at(2).isLetter() ? format.at(4) : format.at(2));
             } else if (word == QLatin1String("B")) {
                 type = itBool;
+            } else if (word.startsWith(QLatin1String("fmt="))) {
+                format = word.mid(4).replace(QLatin1Char('_'), QLatin1Char(' '));
             } else if (word.startsWith(QLatin1String("tf="))) {
                 const QStringList texts = word.mid(3).split(QLatin1Char('/'));
                 parsed.boolFormat.trueText = texts.value(0);
