@@ -11,6 +11,7 @@
 
 #include <QtCore/QAbstractTableModel>
 #include <QtCore/QDateTime>
+#include <QtCore/QHash>
 #include <QtCore/QPointer>
 
 namespace velmora::detail {
@@ -58,6 +59,16 @@ struct FieldList
     qint16 notifiedIndex = -1; // the row ListChanged was last raised for
     bool fromSql = false; // the rows came from SQLList, so the drop-down may refresh them
     QPointer<ListWindow> window; // created by the first load, kept for the field's life
+    // Typing in the open list: the first row of each first letter of the searched column,
+    // and the last search, which a longer text of the same start goes on from.
+    struct TypeAhead
+    {
+        int column = -1;
+        quint64 loads = ~quint64(0);
+        QHash<char16_t, int> firstRow;
+        QString text;
+        int row = -1;
+    } typeAhead;
     ListTableModel *model = nullptr; // the window's
 };
 

@@ -40,18 +40,43 @@ ListWindow *VelmoraPrivate::listWindow()
         list.window = new ListWindow(q);
         list.model = new ListTableModel(list.rows, list.window);
         list.window->setModel(list.model);
-        list.window->setSearch([this](const QString &prefix) {
-            const int column = set.matchCol;
-            if (column < 0 || column >= list.rows.columnCount())
-                return -1; // MatchCol -1: typing does not search
-            for (int r = hasNewItemRow() ? 1 : 0; r < list.rows.rowCount(); ++r)
-                if (list.rows.cell(r, column).startsWith(prefix, Qt::CaseInsensitive))
-                    return r;
-            return -1;
-        });
+        list.window->setSearch([this](const QString &prefix) { return typeAheadRow(prefix); });
         applyListLook();
     }
     return list.window;
+}
+
+int VelmoraPrivate::typeAheadRow(const QString &text)
+{
+    const int column = set.matchCol;
+    if (column < 0 || column >= list.rows.columnCount() || text.isEmpty())
+        return -1; // MatchCol -1: typing does not search
+    FieldList::TypeAhead &t = list.typeAhead;
+    const int first = hasNewItemRow() ? 1 : 0;
+    const auto folded = [](QChar c) {
+        return c.toCaseFolded().unicode();
+    };
+    if (t.column != column || t.loads != list.loads
+        || list.model->rowCount() != list.rows.rowCount()) {
+        t = {column, list.loads, {}, {}, -1};
+        for (int r = list.rows.rowCount() - 1; r >= first; --r)
+            if (const QStringView cell = list.rows.cell(r, column); !cell.isEmpty())
+                t.firstRow.insert(folded(cell.at(0)), r);
+    }
+    // A longer text of the same start is found at the row of the shorter one or after it.
+    const bool goesOn = !t.text.isEmpty() && text.startsWith(t.text, Qt::CaseInsensitive);
+    if (goesOn && t.row < 0)
+        return -1;
+    int from = goesOn ? t.row : t.firstRow.value(folded(text.at(0)), -1);
+    t.text = text;
+    t.row = -1;
+    for (int r = qMax(from, first); from >= 0 && r < list.rows.rowCount(); ++r) {
+        if (list.rows.cell(r, column).startsWith(text, Qt::CaseInsensitive)) {
+            t.row = r;
+            break;
+        }
+    }
+    return t.row;
 }
 
 void VelmoraPrivate::applyListLook()

@@ -120,6 +120,8 @@ public:
     // The value column's cell of the row the value matches, when it is a real row.
     std::optional<QString> chosenValueCell() const;
     bool notifyListChanged();
+    // The first row whose MatchCol cell starts with the text typed in the open list.
+    int typeAheadRow(const QString &text);
     bool dropDown();
     bool showList();
     bool addNewItem(const QString &line);
