@@ -56,8 +56,7 @@ int VelmoraPrivate::typeAheadRow(const QString &text)
     const auto folded = [](QChar c) {
         return c.toCaseFolded().unicode();
     };
-    if (t.column != column || t.loads != list.loads
-        || list.model->rowCount() != list.rows.rowCount()) {
+    if (t.column != column || t.loads != list.loads) {
         t = {column, list.loads, {}, {}, -1};
         for (int r = list.rows.rowCount() - 1; r >= first; --r)
             if (const QStringView cell = list.rows.cell(r, column); !cell.isEmpty())
@@ -476,6 +475,7 @@ bool VelmoraPrivate::addNewItem(const QString &line)
         fitColumn(list.columns, c, cells.last(), measure);
     }
     QList<QStringView> views(cells.begin(), cells.end());
+    list.typeAhead = {}; // the new row may be the first of its letter
     list.model->beginAppend();
     list.rows.appendRow(std::span<const QStringView>(views.begin(), views.size()));
     list.model->endAppend();
