@@ -75,20 +75,15 @@ private Q_SLOTS:
     // A paste or commit costs its characters, not their square.
     void longPasteIsLinear_data()
     {
-        QTest::addColumn<InpType>("type");
-        QTest::addColumn<QString>("format");
-        QTest::addColumn<QString>("how");
-        QTest::addColumn<QString>("start");
-        QTest::addColumn<QChar>("character");
+        columns<InpType, QString, QString, QString, QChar>(
+            {"type", "format", "how", "start", "character"});
         for (const char *how : {"paste", "commit"}) {
-            QTest::addRow("%s: letters into an empty text", how)
-                << itAlfaNum << "" << how << "" << QChar(u'x');
-            QTest::addRow("%s: letters into an upper-case text", how)
-                << itAlfaNum << ">" << how << "" << QChar(u'x');
-            QTest::addRow("%s: letters into a full text", how)
-                << itAlfaNum << "" << how << QString(32767, u'a') << QChar(u'x');
-            QTest::addRow("%s: digits into an empty number", how)
-                << itNum << "" << how << "" << QChar(u'7');
+            const QByteArray on = QByteArray(how) + ": ";
+            row(on + "letters into an empty text", itAlfaNum, "", how, "", QChar(u'x'));
+            row(on + "letters into an upper-case text", itAlfaNum, ">", how, "", QChar(u'x'));
+            row(on + "letters into a full text", itAlfaNum, "", how, QString(32767, u'a'),
+                QChar(u'x'));
+            row(on + "digits into an empty number", itNum, "", how, "", QChar(u'7'));
         }
     }
     void longPasteIsLinear()
