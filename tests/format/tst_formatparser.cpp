@@ -7,9 +7,7 @@
 
 using namespace velmora;
 using namespace velmora::detail;
-using velmora::test::columns;
-using velmora::test::czechSpace;
-using velmora::test::row;
+using namespace velmora::test;
 using namespace Qt::StringLiterals;
 
 class TestFormatParser : public QObject
