@@ -43,8 +43,12 @@ private Q_SLOTS:
     {
         columns<RegionalSettings, Setup, QString, QString, QString, QString, QString, QVariant>(
             {"rs", "setup", "input", "value", "formValue", "sqlValue", "precValue", "varValue"});
-        rowPerSet("text trimmed and cased", type(itAlfaNum, "1>"), "  pRAHA ", "Praha", "Praha",
-                  "Praha", "", QVariant("Praha"));
+        rowPerSet("text trimmed and cased", type(itAlfaNum, "1>"), "  ßTRAßE ", "SStraße",
+                  "SStraße", "SStraße", "", QVariant("SStraße"));
+        rowPerSet("placeholders applied once", type(itAlfaNum, "@@@-@@@"), "123456", "123-456",
+                  "123-456", "123-456", "", QVariant("123-456"));
+        rowPerSet("the same text again", valued(type(itAlfaNum), "abc"), "abc", "abc", "abc", "abc",
+                  "", QVariant("abc"));
         rowPerSet("text cut at MaxLength", type(itAlfaNum, {}, {set(&Velmora::setMaxLength, 3)}),
                   " abcdef", "abc", "abc", "abc", "", QVariant("abc"));
         rowPerSet("number grouped for display", type(itNum, "#,##0.00"), PerSet("1234,5", "1234.5"),
@@ -57,29 +61,12 @@ private Q_SLOTS:
                   QVariant::fromValue(nullptr));
         rowPerSet("boolean by number", type(itBool, "ANO;NE;N"), "-1", "-1", "ANO", "-1", "",
                   QVariant(-1.0));
+        // A type code outside the four: a plain text field without a format.
+        rowPerSet("unknown type", type(InpType(1234), "##"), " a'b ", "a'b", "a'b", "a''b", "",
+                  QVariant("a'b"));
     }
-    void values()
-    {
-        platform->regional = VFETCH(RegionalSettings, rs);
-        VFETCH(Setup, setup)(field);
-        field->setValue(VFETCH(QString, input));
-        QTEST(field->Value(), "value");
-        QTEST(field->FormValue(), "formValue");
-        QTEST(field->SQLValue(), "sqlValue");
-        QTEST(field->PrecValue(), "precValue");
-        QTEST(field->varValue(), "varValue");
-        QCOMPARE(field->Error(), qint16(0));
-    }
-
     // A host that follows Value through PropertyChanged hears of each assignment once.
-    void oneAnnouncementPerSetValue_data()
-    {
-        columns<RegionalSettings, Setup, QString>({"rs", "setup", "input"});
-        rowPerSet("new text", type(itAlfaNum), "abc");
-        rowPerSet("the same text", valued(type(itAlfaNum), "abc"), "abc");
-        rowPerSet("number shown grouped", type(itNum, "#,##0.00"), PerSet("1234,5", "1234.5"));
-    }
-    void oneAnnouncementPerSetValue()
+    void values()
     {
         platform->regional = VFETCH(RegionalSettings, rs);
         VFETCH(Setup, setup)(field);
@@ -89,6 +76,12 @@ private Q_SLOTS:
                 [&](const QString &name) { announced += name == u"Value"_s; });
         field->setValue(VFETCH(QString, input));
         QCOMPARE(announced, 1);
+        QTEST(field->Value(), "value");
+        QTEST(field->FormValue(), "formValue");
+        QTEST(field->SQLValue(), "sqlValue");
+        QTEST(field->PrecValue(), "precValue");
+        QTEST(field->varValue(), "varValue");
+        QCOMPARE(field->Error(), qint16(0));
     }
 
     void typedValues_data()
@@ -253,17 +246,6 @@ private Q_SLOTS:
         field->setFormatStr(huge);
         QCOMPARE(field->Value().size(), 32767);
         QCOMPARE(field->FormatStr().size(), 32767);
-    }
-
-    // A type code outside the four: a plain text field without a format.
-    void unknownTypeEditsPlainText()
-    {
-        QVERIFY(field->setProperty("InputType", 1234));
-        QCOMPARE(int(field->InputType()), 1234);
-        field->setFormatStr(u"##"_s);
-        field->setValue(u" a'b "_s);
-        QCOMPARE(field->FormValue(), u"a'b"_s); // trimmed as every non-text type
-        QCOMPARE(field->SQLValue(), u"a''b"_s);
     }
 };
 

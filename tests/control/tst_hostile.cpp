@@ -1,7 +1,7 @@
 // A careless or hostile host and user: very long pastes and commits, texts an input
 // method commits that are not well formed, fields destroyed while their own message box
-// is open, font objects that go away, and the forms of one value that must agree.
-// (Hostile values through setValue and paste end in real tables in tst_sqlliteral.)
+// is open, font objects that go away. (Hostile values through setValue and paste end in
+// real tables in tst_sqlliteral; the forms of one value agree in tst_field.)
 
 #include "common/TestForm.h"
 #include "common/TestRegistry.h"
@@ -84,6 +84,8 @@ private Q_SLOTS:
             row(on + "letters into a full text", itAlfaNum, "", how, QString(32767, u'a'),
                 QChar(u'x'));
             row(on + "digits into an empty number", itNum, "", how, "", QChar(u'7'));
+            row(on + "digits into a long date", itDate, "dd/mm/yyyy" + QString(32757, u'-'), how,
+                "", QChar(u'1'));
         }
     }
     void longPasteIsLinear()
@@ -95,14 +97,6 @@ private Q_SLOTS:
         const double ms = msOf([&] { enter(how, QString(32767, VFETCH(QChar, character))); });
         QVERIFY2(ms < 100 * Slowdown, qPrintable(QString::number(ms)));
         QCOMPARE(field->FormValue().size(), 32767);
-    }
-
-    void longCommitIntoALongDate()
-    {
-        type(itDate, QStringLiteral("dd/mm/yyyy") + QString(32757, u'-'))(field);
-        const double ms = msOf([&] { enter(QStringLiteral("commit"), QString(800, u'1')); });
-        QVERIFY2(ms < 100 * Slowdown, qPrintable(QString::number(ms)));
-        QVERIFY(field->FormValue().startsWith(QStringLiteral("11.11.1111")));
     }
 
     void fullFieldRefusesWithTone()
@@ -154,54 +148,27 @@ private Q_SLOTS:
         QCOMPARE(field->ListFont()->Size(), 13.0);
     }
 
-    void formsOfOneValueAgree_data()
-    {
-        columns<InpType, QString, QString, QString, QString, QVariant>(
-            {"type", "format", "input", "value", "sql", "typed"});
-        const QString strasse = QString::fromUtf8("SStraße");
-        row("placeholders applied once", itAlfaNum, u"@@@-@@@"_s, u"123456"_s, u"123-456"_s,
-            u"123-456"_s, QVariant(u"123-456"_s));
-        row("first letter upper case", itAlfaNum, u"1>"_s, QString::fromUtf8("ßtraße"), strasse,
-            strasse, QVariant(strasse));
-        row("impossible date is no date anywhere", itDate, QString(), u"31.02.2005"_s,
-            u"31.02.2005"_s, QString(), QVariant());
-    }
-    void formsOfOneValueAgree()
-    {
-        type(VFETCH(InpType, type), VFETCH(QString, format))(field);
-        field->setValue(VFETCH(QString, input));
-        QCOMPARE(field->Value(), VFETCH(QString, value));
-        QCOMPARE(field->SQLValue(), VFETCH(QString, sql));
-        QCOMPARE(field->varValue(), VFETCH(QVariant, typed));
-    }
-
     // A half-typed date survives whatever re-assigns it, and gives no literal.
     void halfTypedDateKeepsItsLayout_data()
     {
-        QTest::addColumn<QString>("what");
-        for (const char *what : {"format", "separator", "length", "value"})
-            QTest::newRow(what) << what;
+        columns<Setup, QString>({"assign", "separator"});
+        row("format", Setup([](Velmora *f) { f->setFormatStr(f->FormatStr()); }), ".");
+        row("separator", set(&Velmora::setFormatDatOddel, "-"), "-");
+        row("length", set(&Velmora::setControlLength, clBoth), ".");
+        row("value", Setup([](Velmora *f) { f->setValue(f->Value()); }), ".");
     }
     void halfTypedDateKeepsItsLayout()
     {
-        QFETCH(QString, what);
         type(itDate)(field);
-        QTest::keyClicks(t->box(), QStringLiteral("12"));
+        QTest::keyClicks(t->box(), u"12"_s);
         QCOMPARE(field->SQLValue(), QString());
-        if (what == QLatin1String("format"))
-            field->setFormatStr(field->FormatStr());
-        else if (what == QLatin1String("separator"))
-            field->setFormatDatOddel(QStringLiteral("-"));
-        else if (what == QLatin1String("length"))
-            field->setControlLength(clBoth);
-        else
-            field->setValue(field->Value());
-        const QString sep = what == QLatin1String("separator") ? QStringLiteral("-") : ".";
-        QCOMPARE(field->FormValue(), QStringLiteral("12") + sep + "  " + sep + "    ");
+        VFETCH(Setup, assign)(field);
+        QFETCH(QString, separator);
+        QCOMPARE(field->FormValue(), u"12"_s + separator + u"  "_s + separator + u"    "_s);
         QCOMPARE(field->Error(), qint16(0));
         QTest::keyClick(t->box(), Qt::Key_Home);
-        QTest::keyClicks(t->box(), QStringLiteral("12052005"));
-        QCOMPARE(field->SQLValue(), QStringLiteral("05/12/2005"));
+        QTest::keyClicks(t->box(), u"12052005"_s);
+        QCOMPARE(field->SQLValue(), u"05/12/2005"_s);
     }
 
     void typeChangedInsideChangeShowsTheNewType()

@@ -8,7 +8,6 @@
 #include <QtCore/QMimeData>
 #include <QtCore/QTimer>
 #include <QtGui/QClipboard>
-#include <QtGui/QInputMethodEvent>
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QMenu>
 
@@ -67,19 +66,14 @@ private Q_SLOTS:
         const Setup autoTab = set(&Velmora::setAutoTab, true);
         const QString field = "field", after = "after", before = "before";
         const Setup num = type(itNum, "0.00");
-        rowPerSet("number typed whole", num, PerSet("-12,5", "-12.5"), PerSet("-12,5", "-12.5"),
-                  field);
         rowPerSet("either separator key", num, PerSet("1.2", "1,2"), PerSet("1,2", "1.2"), field);
         rowPerSet("full number moves on", type(itNum, "0.00", {autoTab}), PerSet("1,23", "1.23"),
                   PerSet("1,23", "1.23"), after);
         rowPerSet("full date moves on", type(itDate, {}, {autoTab}), "24122005",
                   PerSet("24.12.2005", "24/12/2005"), after);
-        rowPerSet("text cased by its format", type(itAlfaNum, "1>"), "pRAHA", "Praha", field);
         rowPerSet("text full at MaxLength moves on",
                   type(itAlfaNum, {}, {set(&Velmora::setMaxLength, 3), autoTab}), "abcd", "abc",
                   after);
-        rowPerSet("boolean by first letter", type(itBool), "xn", "NE", field);
-        rowPerSet("Alt+letter types nothing", type(itAlfaNum), "ab{%A}", "ab", field);
         // Cleared to "2 .  .    ", completed on leaving with this month and year.
         rowPerSet("enter clears the rest of a date",
                   type(itDate, {}, {set(&Velmora::setEnterAction, eaClearRest)}),
@@ -224,16 +218,6 @@ private Q_SLOTS:
         QCOMPARE(ups.size(), 2);
     }
 
-    void inputMethodTextGoesThroughTheRules()
-    {
-        enter(czechSpace(), type(itNum));
-        QInputMethodEvent commit;
-        commit.setCommitString(u"4a2"_s);
-        QApplication::sendEvent(t->box(), &commit);
-        QCOMPARE(t->field->FormValue(), u"42"_s);
-        QCOMPARE(t->field->Value(), u"42"_s);
-    }
-
     void leavingCompletesADate()
     {
         enter(czechSpace(), type(itDate));
@@ -263,9 +247,10 @@ private Q_SLOTS:
         QCOMPARE(base(), QColor(Qt::red));
     }
 
-    // X11 pastes the selection on a middle click; elsewhere the click still must not
-    // move the caret the rules have placed.
-    void middleButtonLeavesTheBoxAlone()
+    // Neither a middle click (X11 pastes the selection with it) nor a drop may put text
+    // into the box past the rules or move the caret the rules have placed. A drop lands
+    // where the drag entered: the enter event names the target.
+    void mouseAndDropsLeaveTheBoxAlone()
     {
         QClipboard *clipboard = QGuiApplication::clipboard();
         if (clipboard->supportsSelection())
@@ -275,24 +260,15 @@ private Q_SLOTS:
         t->field->setFocus();
         QTest::mouseClick(t->box(), Qt::MiddleButton, {},
                           QPoint(t->box()->width() - 2, t->box()->height() / 2));
-        QCOMPARE(t->field->FormValue(), u"abc"_s);
-        QCOMPARE(t->field->SelStart(), qint16(0));
-        QCOMPARE(t->field->SelLength(), qint16(0));
-    }
-
-    // A drop lands where the drag entered: the enter event names the target.
-    void dropsAreRefused()
-    {
-        t->field->setValue(u"abc"_s);
         QMimeData data;
         data.setText(u"xyz"_s);
-        const QPoint at(2, 2);
-        QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QDragEnterEvent enter({2, 2}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(t->box(), &enter);
-        QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QDropEvent drop({2, 2}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(t->box(), &drop);
-        QCOMPARE(t->field->FormValue(), u"abc"_s);
-        QCOMPARE(t->field->Value(), u"abc"_s);
+        QCOMPARE(t->field->Value() + u'|' + t->field->FormValue(), u"abc|abc"_s);
+        QCOMPARE(t->field->SelStart(), qint16(0));
+        QCOMPARE(t->field->SelLength(), qint16(0));
     }
 
     void contextMenuOffersWhatTheFieldAllows_data()
