@@ -3,8 +3,8 @@
 //
 // Box states are written with the caret as "|" and a selection in brackets:
 // "a[bc]d" selects bc. Keys: "'abc" types characters, "sp" a space, and key names (BS
-// Del Enter Ins Home End PgUp PgDn Left Right Up Down F1 V X Y Z) with modifiers S- C- A-
-// are key-downs; a key-down that the engine leaves to the box logs "pass<code>".
+// Del Enter Ins Home PgUp PgDn Left Right Up Down V X Y Z) with modifiers S- C- are
+// key-downs; a key-down that the engine leaves to the box logs "pass<code>".
 
 #include "FakeHost.h"
 #include "common/DataRows.h"
@@ -18,20 +18,14 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // Without a caret mark the state is the one the field entry leaves.
-void enter(Rig &rig, QString text)
+void enter(Rig &rig, const QString &marked)
 {
-    qsizetype start = text.indexOf(QLatin1Char('|')), length = 0;
-    if (start >= 0) {
-        text.remove(start, 1);
-    } else if ((start = text.indexOf(QLatin1Char('['))) >= 0) {
-        length = text.indexOf(QLatin1Char(']')) - start - 1;
-        text.remove(start + length + 1, 1).remove(start, 1);
-    }
-    rig.host.stored = text;
+    const qsizetype caret = marked.indexOf(u'|'), open = marked.indexOf(u'[');
+    rig.host.stored = QString(marked).remove(u'|').remove(u'[').remove(u']');
     rig.engine.enterField();
-    if (start >= 0) {
-        rig.box.setSelStart(int(start));
-        rig.box.setSelLength(int(length));
+    if (caret >= 0 || open >= 0) {
+        rig.box.setSelStart(int(caret >= 0 ? caret : open));
+        rig.box.setSelLength(caret >= 0 ? 0 : int(marked.indexOf(u']') - open - 1));
     }
 }
 
@@ -47,9 +41,9 @@ QString marked(const EditBox &box)
 void press(Rig &rig, const QString &keys)
 {
     static const QHash<QString, int> codes
-        = {{"BS", 8},    {"Enter", 13}, {"PgUp", 33},  {"PgDn", 34}, {"End", 35}, {"Home", 36},
-           {"Left", 37}, {"Up", 38},    {"Right", 39}, {"Down", 40}, {"Ins", 45}, {"Del", 46},
-           {"V", 86},    {"X", 88},     {"Y", 89},     {"Z", 90},    {"F1", 112}};
+        = {{"BS", 8},    {"Enter", 13}, {"PgUp", 33},  {"PgDn", 34}, {"Home", 36},
+           {"Left", 37}, {"Up", 38},    {"Right", 39}, {"Down", 40}, {"Ins", 45},
+           {"Del", 46},  {"V", 86},     {"X", 88},     {"Y", 89},    {"Z", 90}};
     for (QString word : keys.split(u' ', Qt::SkipEmptyParts)) {
         if (word.startsWith(u'\'') || word == u"sp") {
             for (const QChar c : word == u"sp" ? u" "_s : word.mid(1)) {
@@ -59,15 +53,13 @@ void press(Rig &rig, const QString &keys)
         } else {
             int shift = 0;
             for (; word.size() > 2 && word.at(1) == u'-'; word.remove(0, 2))
-                shift |= word.at(0) == u'S' ? 1 : word.at(0) == u'C' ? 2 : 4;
+                shift |= word.at(0) == u'S' ? 1 : 2;
             int code = codes.value(word, -1);
             QVERIFY2(code > 0, qPrintable(word));
             rig.engine.keyDown(code, shift);
             if (code != 0)
                 rig.host.log << u"pass%1"_s.arg(code);
         }
-        if (rig.host.stored != rig.box.text())
-            rig.host.log << u"desync"_s;
     }
 }
 
@@ -76,12 +68,6 @@ void row(const char *name, const char *settings, const char *start, const char *
          const char *result, const char *log, const char *clip = "")
 {
     velmora::test::row(name, settings, start, keys, clip, result, log);
-}
-
-void columns()
-{
-    velmora::test::columns<QString, QString, QString, QString, QString, QString>(
-        {"settings", "start", "keys", "clip", "result", "log"});
 }
 
 void check()
@@ -106,22 +92,16 @@ class TestKeyEngine : public QObject
     Q_OBJECT
 
 private slots:
-    void dispatch_data();
-    void dispatch() { check(); }
-    void numeric_data();
-    void numeric() { check(); }
-    void date_data();
-    void date() { check(); }
-    void text_data();
-    void text() { check(); }
-    void clipboard_data();
-    void clipboard() { check(); }
+    void keys_data();
+    void keys() { check(); }
     void insModeProperty();
 };
 
-void TestKeyEngine::dispatch_data()
+void TestKeyEngine::keys_data()
 {
-    columns();
+    columns<QString, QString, QString, QString, QString, QString>(
+        {"settings", "start", "keys", "clip", "result", "log"});
+    // Keys of every type: Ctrl+Y, Insert, the caret and selection keys, Enter, the list.
     row("Ctrl+Y restores the empty date", "Ddmy", "12.05.20[0]5", "C-Y", "[ ] .  .    ", "");
     row("Ctrl+Y on a boolean needs EnableEmpty", "B", "ANO|", "C-Y", "ANO|", "beep");
     row("Ctrl+Y on a landable field passes", "A dm1", "ab|", "C-Y", "ab|", "pass89");
@@ -156,11 +136,7 @@ void TestKeyEngine::dispatch_data()
     row("Shift+Page Up on a landable field", "A list dm1", "a|", "S-PgUp", "a|", "drop");
     row("Page Up without a list", "A", "a|", "PgUp", "a|", "");
     row("Page Up on a visible-only field", "A list dm2", "a|", "PgUp", "a|", "");
-}
-
-void TestKeyEngine::numeric_data()
-{
-    columns();
+    // Numbers: the entry rule, the control of length, AutoTab, deletion, leading zeros.
     row("sign at the front", "N4.2", "|12", "'-", "-|12", "");
     row("sign not at the front", "N4.2", "1|2", "'-", "1|2", "beep");
     row("second sign", "N4.2", "|-12", "'+", "|-12", "beep");
@@ -183,21 +159,17 @@ void TestKeyEngine::numeric_data()
     row("AutoTab on the last integer place", "N3.0 at", "12|", "'3", "123|", "tab");
     row("Backspace", "N4.2", "12|3", "BS", "1|3", "");
     row("Delete", "N4.2", "1|23", "Del", "1|3", "");
-    row("Backspace leaves a real selection", "N4.2", "1[23]", "BS", "1[23]", "");
+    row("number: Backspace leaves a real selection", "N4.2", "1[23]", "BS", "1[23]", "");
     row("Delete removes the selection", "N4.2", "1[23]", "Del", "1|", "");
     row("deleting the separator is undone", "N2.2", "12,|34", "BS", "12,|34", "beep msg9(2)");
     row("deleting it forwards is undone", "N2.2", "12|,34", "Del", "12|,34", "beep msg9(2)");
     row("deleting the separator where it fits", "N4.2", "12,|3", "BS", "12|3", "");
-    row("landable refuses typing", "N4.2 dm1", "12|", "'3", "12|", "beep");
+    row("number: landable refuses typing", "N4.2 dm1", "12|", "'3", "12|", "beep");
     row("zeros become one zero", "N4.2", "000", "", "|0", "");
     row("sign, zeros and decimals", "N4.2", "-00,5", "", "|-0,5", "");
     row("zeros before a digit go", "N4.2", "+0012", "", "|+12", "");
     row("no zeros to trim", "N4.2", ",5", "", "|,5", "");
-}
-
-void TestKeyEngine::date_data()
-{
-    columns();
+    // Dates: calendar checks while typing, separators, deletion, the three layouts.
     const char *empty = "  .  .    ";
     row("31 February is refused", "Ddmy", empty, "'3102", "31.0[ ].    ", "beep");
     row("29 February passes without a year", "Ddmy", empty, "'2902200", "29.02.200[ ]", "");
@@ -205,22 +177,19 @@ void TestKeyEngine::date_data()
     row("a leap year", "Ddmy", empty, "'29022004", "29.02.2004|", "");
     row("the separator jumps to the next part", "Ddmy", empty, "'1.", "1 .[ ] .    ", "");
     row("after the last separator the tone", "Ddmy", empty, "'1...", "1 .  .[ ]   ", "beep");
-    row("landable refuses digits", "Ddmy dm1", empty, "'1", "|  .  .    ", "beep");
+    row("date: landable refuses digits", "Ddmy dm1", empty, "'1", "|  .  .    ", "beep");
     row("a digit at the end inserts nothing", "Ddmy", "24.12.2005|", "'1", "24.12.2005|", "");
     row("Backspace pulls the part left", "Ddmy", "1[2].05.2005", "BS", "[2] .05.2005", "");
     row("Backspace over a separator", "Ddmy", "12.[0]5.2005", "BS", "1[ ].05.2005", "");
     row("Backspace at the start", "Ddmy", "[1]2.05.2005", "BS", "[1]2.05.2005", "");
-    row("Backspace leaves a real selection", "Ddmy", "12.[05].2005", "BS", "12.[05].2005", "");
+    row("date: Backspace leaves a real selection", "Ddmy", "12.[05].2005", "BS", "12.[05].2005",
+        "");
     row("Delete pulls the part left", "Ddmy", "[1]2.05.2005", "Del", "[2] .05.2005", "");
     row("Delete blanks a selection", "Ddmy", "12.[05.20]05", "Del", "12.[ ] .  05", "");
     row("month first: 29 February", "Dmdy", "  /  /    ", "'0229", "02/29/[ ]   ", "");
     row("month first: month 13", "Dmdy", "  /  /    ", "'13", "1[ ]/  /    ", "beep");
     row("year first: 29 February 2001", "Dymd", "    -  -  ", "'20010229", "2001-02-2[ ]", "beep");
-}
-
-void TestKeyEngine::text_data()
-{
-    columns();
+    // Texts and booleans.
     row("MaxLength refuses with message 14", "A max5", "abcde|", "'f", "abcde|", "beep msg14(5)");
     row("MaxLength: a selected char is replaced", "A max5", "abcd[e]", "'f", "abcdf|", "");
     row("MaxLength refusal keeps the deletion", "A max3", "abc[d]e", "'f", "abc|e",
@@ -229,7 +198,7 @@ void TestKeyEngine::text_data()
     row("no AutoTab when filled in the middle", "A max3 at", "a|b", "'c", "ac|b", "");
     row("upper case", "A>", "|", "'žluť", "ŽLUŤ|", "");
     row("a control character is refused", "A", "ab|", "'\t", "ab|", "beep");
-    row("landable refuses typing", "A dm1", "ab|", "'c", "ab|", "beep");
+    row("text: landable refuses typing", "A dm1", "ab|", "'c", "ab|", "beep");
     row("landable refuses Backspace", "A dm1", "ab|", "BS", "ab|", "beep");
     row("Backspace removes before the caret", "A", "ab|c", "BS", "a|c", "");
     row("Backspace over the overwrite caret", "A ins", "ab[c]", "BS", "a[c]", "");
@@ -241,11 +210,7 @@ void TestKeyEngine::text_data()
     row("boolean: a shared first letter is true", "B tf=Ja/Jein", "|", "'j", "|Ja", "list0");
     row("boolean Delete needs EnableEmpty", "B", "|ANO", "Del", "|ANO", "beep");
     row("boolean Delete empties", "B ee", "|ANO", "Del", "|", "list2");
-}
-
-void TestKeyEngine::clipboard_data()
-{
-    columns();
+    // Cut, paste and undo.
     row("cut re-renders the rest", "A1>", "[A]bc", "C-X", "|Bc", "clip=A");
     row("Ctrl+Shift+X cuts too", "A", "a[b]", "C-S-X", "a|", "clip=b");
     row("cut of a date blanks the places", "Ddmy", "1[2.0]5.2005", "S-Del", "1[ ]. 5.2005",
