@@ -17,6 +17,7 @@
 #include <QtWidgets/QLineEdit>
 
 using namespace velmora;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -70,8 +71,8 @@ private Q_SLOTS:
         const QString injection
             = QStringLiteral("'||(SELECT group_concat(name) FROM sqlite_master)) --");
         const QString replaced = QStringLiteral(u"x\uFFFD") + injection;
-        add("apostrophes", false, QStringLiteral("O'Brien's ''x'"));
-        add("statement break", false, QStringLiteral("x'); DROP TABLE t; --"));
+        add("apostrophes and a statement break", false,
+            QStringLiteral("O'Brien's ''x'); DROP TABLE t; --"));
         // With backslash escapes on, \' would end the literal one apostrophe early.
         add("backslash before apostrophe", false, QStringLiteral("C:\\dir\\' OR ''='"));
         add("high surrogate before apostrophe", false, QStringLiteral(u"x\xD800") + injection,
@@ -85,7 +86,6 @@ private Q_SLOTS:
         add("controls, DEL, line break", false, QStringLiteral(u"a\x01\x1F'b\x7F\x85\r\n"),
             QStringLiteral("a'b"));
         add("tab", false, QStringLiteral("a\t'b"));
-        add("combining marks", false, QStringLiteral(u"e\u0301'\u0308"));
         add("right-to-left", false, QStringLiteral(u"\u05E9\u05DC\u05D5\u05DD 'x' \u202Eabc'"));
         add("30000 characters", false, QStringLiteral("O'a").repeated(10000));
         add("leading and trailing blanks", false, QStringLiteral("  ' x '  "));
@@ -114,24 +114,15 @@ private Q_SLOTS:
         const QString connection = VFETCH(QString, connection);
         QSqlDatabase db = QSqlDatabase::database(connection, false);
         QVERIFY2(db.isOpen() && why[connection].isEmpty(), qPrintable(why[connection]));
-        const QString literal = u'\'' + field->SQLValue() + u'\'';
-        for (const bool update : {false, true}) {
-            QSqlQuery q(db);
-            for (const char *setup :
-                 {"CREATE TABLE IF NOT EXISTS t (id integer PRIMARY KEY, a text)", "DELETE FROM t",
-                  "INSERT INTO t VALUES (1, 'O''Hara'), (3, 'x')",
-                  update ? "INSERT INTO t VALUES (2, 'before')" : "SELECT 1"})
-                QVERIFY2(q.exec(QLatin1String(setup)), qPrintable(q.lastError().text()));
-            const QStringList tables = db.tables();
-            const QString sql = update
-                ? QStringLiteral("UPDATE t SET a = ") + literal + QStringLiteral(" WHERE id = 2")
-                : QStringLiteral("INSERT INTO t(id, a) VALUES (2, ") + literal + u')';
-            QVERIFY2(q.exec(sql), qPrintable(q.lastError().text()));
-            QCOMPARE(rows(db),
-                     (QStringList {QStringLiteral("1:O'Hara"), QStringLiteral("2:") + value,
-                                   QStringLiteral("3:x")}));
-            QCOMPARE(db.tables(), tables);
-        }
+        QSqlQuery q(db);
+        for (const char *setup : {"CREATE TABLE IF NOT EXISTS t (id integer PRIMARY KEY, a text)",
+                                  "DELETE FROM t", "INSERT INTO t VALUES (1, 'O''Hara'), (3, 'x')"})
+            QVERIFY2(q.exec(QLatin1String(setup)), qPrintable(q.lastError().text()));
+        const QStringList tables = db.tables();
+        const QString sql = u"INSERT INTO t(id, a) VALUES (2, '"_s + field->SQLValue() + u"')"_s;
+        QVERIFY2(q.exec(sql), qPrintable(q.lastError().text()));
+        QCOMPARE(rows(db), (QStringList {u"1:O'Hara"_s, u"2:"_s + value, u"3:x"_s}));
+        QCOMPARE(db.tables(), tables);
     }
 };
 
