@@ -24,7 +24,7 @@ struct Field
     Field(int type, QString format, const QString &des = {}, const QString &tis = {},
           const QString &dat = {})
     {
-        const RegionalSettings rs = test::czechSpace();
+        const RegionalSettings rs = czechSpace();
         const ConfiguredSeparators seps {separatorFromText(des), separatorFromText(tis),
                                          separatorFromText(dat)};
         if (type == itNum)
@@ -33,11 +33,7 @@ struct Field
             parseDateFormat(pf, format, 0, rs, seps);
         else if (type == itBool)
             parseBoolFormat(pf.boolFormat, format);
-        vf.type = type;
-        vf.format = format;
-        vf.parsed = &pf;
-        vf.boolFormat = pf.boolFormat;
-        vf.regional = rs;
+        vf = {type, format, &pf, pf.boolFormat, 0, atLeftRight, rs};
     }
 };
 
