@@ -72,7 +72,7 @@ public:
     // Settings in a few words: a type ("A", "A>", "A1>", "N4.2" for four integer and two
     // decimal places, "N" for an empty format, "Ddmy", "Dmdy", "Dymd", "B"), then
     // options: cl0..cl3, dm1..dm4, ea1, ea2, aa1..aa3, max5, at (AutoTab), ins (Insert
-    // toggled), list (SetList), sel (SelectText), ee (EnableEmpty), design, dot (decimal
+    // toggled), list (SetList), sel (SelectText), ee (EnableEmpty), dot (decimal
     // "." and thousands ","), tf=Yes/No (the texts of a boolean field).
     void configure(const QString &settings)
     {
@@ -112,12 +112,12 @@ public:
             } else if (word.startsWith(u"aa")) {
                 rest.arrowAction = ArrAction(n);
             } else {
-                const QStringList names {"at", "ins", "list", "sel", "ee", "design"};
-                bool *const flags[] {&rest.autoTab,    &insert,           &rest.setList,
-                                     &rest.selectText, &rest.enableEmpty, &rest.runMode};
+                const QStringList names {"at", "ins", "list", "sel", "ee"};
+                bool *const flags[] {&rest.autoTab, &insert, &rest.setList, &rest.selectText,
+                                     &rest.enableEmpty};
                 if (!names.contains(word))
                     qFatal("unknown setting %s", qPrintable(word));
-                *flags[names.indexOf(word)] = word != u"design";
+                *flags[names.indexOf(word)] = true;
             }
         }
     }

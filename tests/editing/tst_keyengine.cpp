@@ -141,7 +141,6 @@ void TestKeyEngine::keys_data()
     row("sign not at the front", "N4.2", "1|2", "'-", "1|2", "beep");
     row("second sign", "N4.2", "|-12", "'+", "|-12", "beep");
     row("digit in front of the sign", "N4.2", "|-12", "'5", "|-12", "beep");
-    row("second decimal separator", "N4.2", "1,2|", "',", "1,2|", "beep");
     row("no separator without decimal places", "N4.0", "12|", "',", "12|", "beep");
     row("separator with an empty format", "N", "|", "',", ",|", "");
     row("space is refused", "N4.2", "1|", "sp", "1|", "beep");
@@ -149,7 +148,6 @@ void TestKeyEngine::keys_data()
     row("decimal places, message 8", "N4.2", "1,23|", "'4", "1,23|", "beep msg8(2)");
     row("the decimal message comes first", "N2.2", "123,456|", "'7", "123,456|", "beep msg8(2)");
     row("a digit replaces the selection", "N4.2", "1[23]4", "'5", "15|4", "");
-    row("a refusal restores the selection", "N4.2", "1[2]34,5", "',", "1[2]34,5", "beep");
     row("clNone sets no limit", "N2.0 cl0", "12|", "'3", "123|", "");
     row("clIntegerPart leaves decimals free", "N2.1 cl1", "1,2|", "'3", "1,23|", "");
     row("clIntegerPart limits integers", "N2.1 cl1", "12|", "'3", "12|", "beep msg9(2)");
@@ -178,14 +176,12 @@ void TestKeyEngine::keys_data()
     row("the separator jumps to the next part", "Ddmy", empty, "'1.", "1 .[ ] .    ", "");
     row("after the last separator the tone", "Ddmy", empty, "'1...", "1 .  .[ ]   ", "beep");
     row("date: landable refuses digits", "Ddmy dm1", empty, "'1", "|  .  .    ", "beep");
-    row("a digit at the end inserts nothing", "Ddmy", "24.12.2005|", "'1", "24.12.2005|", "");
     row("Backspace pulls the part left", "Ddmy", "1[2].05.2005", "BS", "[2] .05.2005", "");
     row("Backspace over a separator", "Ddmy", "12.[0]5.2005", "BS", "1[ ].05.2005", "");
     row("Backspace at the start", "Ddmy", "[1]2.05.2005", "BS", "[1]2.05.2005", "");
     row("date: Backspace leaves a real selection", "Ddmy", "12.[05].2005", "BS", "12.[05].2005",
         "");
     row("Delete pulls the part left", "Ddmy", "[1]2.05.2005", "Del", "[2] .05.2005", "");
-    row("Delete blanks a selection", "Ddmy", "12.[05.20]05", "Del", "12.[ ] .  05", "");
     row("month first: 29 February", "Dmdy", "  /  /    ", "'0229", "02/29/[ ]   ", "");
     row("month first: month 13", "Dmdy", "  /  /    ", "'13", "1[ ]/  /    ", "beep");
     row("year first: 29 February 2001", "Dymd", "    -  -  ", "'20010229", "2001-02-2[ ]", "beep");
@@ -218,7 +214,6 @@ void TestKeyEngine::keys_data()
     row("cut that breaks the places", "N2.2", "12[,]34", "C-X", "12[,]34", "beep beep msg9(2)");
     row("cut of digits", "N2.2", "1[2],34", "C-X", "1|,34", "clip=2");
     row("cut of a whole boolean", "B ee", "[ANO]", "C-X", "|", "list2 clip=ANO");
-    row("cut of part of a boolean", "B ee", "A[NO]", "C-X", "A[NO]", "beep");
     row("cut on a landable field", "A dm1", "a[b]", "C-X", "a[b]", "beep");
     row("paste a date in another form", "Dmdy at", "  /  /    ", "S-Ins", "12/24/2005|", "tab",
         "2005-12-24");
@@ -227,8 +222,6 @@ void TestKeyEngine::keys_data()
     row("paste digits into a date", "Ddmy", "12.05.200[5]", "C-V", "12.05.2007|", "", "7");
     row("paste a whole number", "N4.2", "|", "C-V", "1234,50|", "", "1 234,50");
     row("paste a number over all", "N4.2 at", "[12]", "C-V", "12,34|", "tab", "12.34");
-    row("paste a number too long", "N4.2", "|", "C-V", "|", "beep", "12345");
-    row("paste two separators", "N4.2", "|", "C-V", "|", "beep", "1,2,3");
     row("paste digits", "N4.2", "1|", "C-V", "123|", "", "23");
     row("paste over MaxLength", "A max5", "ab|", "C-V", "ab|", "beep", "cdef");
     row("paste in overwrite mode", "A ins", "[a]bc", "C-V", "xy[c]", "", "xy");
