@@ -160,7 +160,6 @@ private Q_SLOTS:
     {
         columns<int, QString, int, bool, bool>({"type", "input", "error", "messages", "crrr"});
         row("not a number", int(itNum), "12a", 6, true, true);
-        row("not a date", int(itDate), "31.02.2005", 7, true, true);
         row("empty boolean not allowed", int(itBool), QString(), 1, true, true);
         row("no tone", int(itNum), "12a", 6, true, false);
         row("no message", int(itNum), "12a", 6, false, true);

@@ -65,9 +65,7 @@ private Q_SLOTS:
 
     void committedTextIsWellFormed()
     {
-        QString text = QStringLiteral("x'");
-        text.insert(1, QChar(0xD800)).append(QChar(0)).append(QChar(0x85));
-        enter(QStringLiteral("commit"), text);
+        enter(u"commit"_s, u"x\xD800'\0\x85"_s);
         QCOMPARE(field->Value(), u"x\uFFFD'"_s);
         QCOMPARE(field->SQLValue(), u"x\uFFFD''"_s);
     }
@@ -112,25 +110,22 @@ private Q_SLOTS:
     // The host deletes the field while its box is open, as a form that closes does.
     void fieldDeletedWhileItsBoxIsOpen_data()
     {
-        QTest::addColumn<QString>("box");
-        QTest::newRow("Msg") << "Msg";
-        QTest::newRow("a reported error") << "error";
-        QTest::newRow("an error of a typed key") << "key";
+        columns<Setup>({"open"});
+        row("Msg", Setup([](Velmora *f) {
+                QString text = u"host"_s;
+                f->Msg(text);
+            }));
+        row("a reported error", set(&Velmora::setValue, "abc"));
+        row("an error of a typed key",
+            Setup([](Velmora *f) { QTest::keyClicks(f->findChild<QLineEdit *>(), u"1,23"_s); }));
     }
     void fieldDeletedWhileItsBoxIsOpen()
     {
-        QFETCH(QString, box);
-        type(itNum, QStringLiteral("0.0"), {set(&Velmora::setMessages, true)})(field);
+        type(itNum, u"0.0"_s, {set(&Velmora::setMessages, true)})(field);
         t->platform.whileBoxOpen = [this] {
             delete field;
         };
-        QString text = QStringLiteral("host");
-        if (box == QLatin1String("Msg"))
-            field->Msg(text);
-        else if (box == QLatin1String("error"))
-            field->setValue(QStringLiteral("abc"));
-        else
-            QTest::keyClicks(t->box(), QStringLiteral("1,23"));
+        VFETCH(Setup, open)(field);
         QVERIFY(field.isNull());
         QCOMPARE(t->platform.boxes.size(), 1);
     }
