@@ -43,7 +43,7 @@ class TestHostile : public QObject
 
     void enter(const QString &how, const QString &text)
     {
-        if (how == QLatin1String("paste")) {
+        if (how == u"paste") {
             QGuiApplication::clipboard()->setText(text);
             QTest::keyClick(t->box(), Qt::Key_V, Qt::ControlModifier);
         } else {
@@ -102,7 +102,7 @@ private Q_SLOTS:
         field->setValue(QString(32767, u'a'));
         QTest::keyClick(t->box(), Qt::Key_Home);
         t->platform.beeps.clear();
-        QTest::keyClicks(t->box(), QStringLiteral("b"));
+        QTest::keyClicks(t->box(), u"b"_s);
         QCOMPARE(field->Value(), QString(32767, u'a'));
         QCOMPARE(t->platform.beeps.size(), 1);
     }
@@ -133,13 +133,13 @@ private Q_SLOTS:
     void fontObjectOutlivesItsOwner()
     {
         auto *font = new FieldFont;
-        font->setName(QStringLiteral("DejaVu Serif"));
+        font->setName(u"DejaVu Serif"_s);
         field->setFont(font);
         field->setListFont(font);
         font->setSize(13);
         delete font;
         QVERIFY(field->Font() && field->ListFont());
-        QCOMPARE(field->Font()->Name(), QStringLiteral("DejaVu Serif"));
+        QCOMPARE(field->Font()->Name(), u"DejaVu Serif"_s);
         QCOMPARE(field->ListFont()->Size(), 13.0);
     }
 
@@ -171,23 +171,23 @@ private Q_SLOTS:
         connect(
             field, &Velmora::Change, field, [this] { field->setInputType(itBool); },
             Qt::SingleShotConnection);
-        QTest::keyClicks(t->box(), QStringLiteral("a"));
+        QTest::keyClicks(t->box(), u"a"_s);
         QCOMPARE(field->InputType(), itBool);
-        QCOMPARE(field->FormValue(), QStringLiteral("ANO"));
+        QCOMPARE(field->FormValue(), u"ANO"_s);
     }
 
     // PrecValue is the number as assigned, and then as edited; entering is no edit.
     void precValueKeepsTheAssignedNumber()
     {
         t->after->setFocus();
-        type(itNum, QStringLiteral("0.00"))(field);
-        field->setValue(QStringLiteral("1,2345"));
-        QCOMPARE(field->Value(), QStringLiteral("1,23"));
+        type(itNum, u"0.00"_s)(field);
+        field->setValue(u"1,2345"_s);
+        QCOMPARE(field->Value(), u"1,23"_s);
         field->setFocus();
-        QCOMPARE(field->PrecValue(), QStringLiteral("1.2345"));
+        QCOMPARE(field->PrecValue(), u"1.2345"_s);
         QTest::keyClick(t->box(), Qt::Key_End);
         QTest::keyClick(t->box(), Qt::Key_Backspace);
-        QCOMPARE(field->PrecValue(), QStringLiteral("1.2"));
+        QCOMPARE(field->PrecValue(), u"1.2"_s);
     }
 };
 

@@ -15,6 +15,7 @@
 namespace velmora::test {
 
 using namespace velmora::detail;
+using namespace Qt::StringLiterals;
 
 class FakeHost : public EditServices
 {
@@ -39,8 +40,8 @@ public:
     {
         parsed.decimalSeparator = u',';
         parsed.thousandsSeparator = u' ';
-        parsed.boolFormat = {QStringLiteral("ANO"), QStringLiteral("NE"), u'A'};
-        setDateFormat(QStringLiteral("dd.mm.yyyy"));
+        parsed.boolFormat = {u"ANO"_s, u"NE"_s, u'A'};
+        setDateFormat(u"dd.mm.yyyy"_s);
     }
 
     // The field's regional settings follow its separators.
@@ -83,14 +84,14 @@ public:
                 format = word.mid(1);
             } else if (word.startsWith(u'N') && word.size() <= 4) {
                 type = itNum;
-                format = word.size() > 1 ? QStringLiteral("#") : QString();
+                format = word.size() > 1 ? u"#"_s : QString();
                 parsed.integerDigits = qint16(word.mid(1, 1).toInt());
                 parsed.decimalDigits = qint16(word.mid(3, 1).toInt());
             } else if (word.startsWith(u'D')) {
                 type = itDate;
-                format = word == u"Dmdy" ? QStringLiteral("mm/dd/yyyy")
-                    : word == u"Dymd"    ? QStringLiteral("yyyy-mm-dd")
-                                         : QStringLiteral("dd.mm.yyyy");
+                format = word == u"Dmdy" ? u"mm/dd/yyyy"_s
+                    : word == u"Dymd"    ? u"yyyy-mm-dd"_s
+                                         : u"dd.mm.yyyy"_s;
                 setDateFormat(format);
             } else if (word == u"B") {
                 type = itBool;
@@ -122,12 +123,9 @@ public:
         }
     }
 
-    void warningBeep() override { ++beeps, log << QStringLiteral("beep"); }
+    void warningBeep() override { ++beeps, log << u"beep"_s; }
     bool insertToggled() const override { return insert; }
-    void setInsertToggled(bool on) override
-    {
-        log << QStringLiteral("ins%1").arg(int(insert = on));
-    }
+    void setInsertToggled(bool on) override { log << u"ins%1"_s.arg(int(insert = on)); }
     QString clipboardText() const override { return clipboard; }
     void setClipboardText(const QString &text) override { clipboard = text; }
 };
@@ -145,16 +143,15 @@ struct Rig
         box.load(o.box);
         host.stored = o.stored;
         if (o.listIndex)
-            host.log << QStringLiteral("list%1").arg(*o.listIndex);
+            host.log << u"list%1"_s.arg(*o.listIndex);
         if (o.arrowKey)
-            host.log << QStringLiteral("arrow%1").arg(*o.arrowKey);
+            host.log << u"arrow%1"_s.arg(*o.arrowKey);
         for (const Report &r : o.reports)
-            host.log << QStringLiteral("msg%1(%2)").arg(r.number).arg(r.value);
+            host.log << u"msg%1(%2)"_s.arg(r.number).arg(r.value);
         if (o.move != FocusMove::None)
-            host.log << (o.move == FocusMove::Next ? QStringLiteral("tab")
-                                                   : QStringLiteral("backtab"));
+            host.log << (o.move == FocusMove::Next ? u"tab"_s : u"backtab"_s);
         if (o.dropDown)
-            host.log << QStringLiteral("drop");
+            host.log << u"drop"_s;
     }
 
     // The field's calls into the engine, each on the current settings and box.

@@ -10,6 +10,7 @@
 #include <random>
 
 using namespace velmora::test;
+using namespace Qt::StringLiterals;
 
 class TestEditFuzz : public QObject
 {
@@ -44,10 +45,9 @@ private slots:
                 const QString broken = runner.apply(op);
                 ++operations;
                 if (!broken.isEmpty())
-                    QFAIL(qPrintable(
-                        QStringLiteral("%1 (seed %2, sequence %3, setup \"%4\", start %5): %6")
-                            .arg(broken, QString::number(seed), QString::number(i), setup,
-                                 QString::number(initial), done.join(u' '))));
+                    QFAIL(qPrintable(u"%1 (seed %2, sequence %3, setup \"%4\", start %5): %6"_s.arg(
+                        broken, QString::number(seed), QString::number(i), setup,
+                        QString::number(initial), done.join(u' '))));
             }
         }
         qInfo("%d sequences, %lld operations checked in %lld ms (seed %u)", sequences, operations,

@@ -33,9 +33,8 @@ QString marked(const EditBox &box)
 {
     QString text = box.text();
     if (box.selLength() == 0)
-        return text.insert(box.selStart(), QLatin1Char('|'));
-    return text.insert(box.selStart() + box.selLength(), QLatin1Char(']'))
-        .insert(box.selStart(), QLatin1Char('['));
+        return text.insert(box.selStart(), u'|');
+    return text.insert(box.selStart() + box.selLength(), u']').insert(box.selStart(), u'[');
 }
 
 void press(Rig &rig, const QString &keys)

@@ -8,6 +8,7 @@
 using namespace velmora;
 using namespace velmora::detail;
 using namespace velmora::test;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -20,7 +21,7 @@ struct Settings
 
     Settings(int type, QString format, const QString &options = QString())
     {
-        const RegionalSettings rs = RegionalSettings::czech(QLatin1Char(' '));
+        const RegionalSettings rs = RegionalSettings::czech(u' ');
         pf.regional = rs;
         if (type == itNum)
             parseNumFormat(pf, format, rs, {});
@@ -29,10 +30,10 @@ struct Settings
         else if (type == itBool)
             parseBoolFormat(pf.boolFormat, format);
         s.format = {type, format, &pf, pf.boolFormat, 0, atLeftRight, rs};
-        s.setList = options.contains(QLatin1String("list"));
-        s.listCheck = !options.contains(QLatin1String("nocheck"));
-        s.enableEmpty = !options.contains(QLatin1String("noempty"));
-        s.maxLength = options.contains(QLatin1String("max3")) ? 3 : 0;
+        s.setList = options.contains(u"list");
+        s.listCheck = !options.contains(u"nocheck");
+        s.enableEmpty = !options.contains(u"noempty");
+        s.maxLength = options.contains(u"max3") ? 3 : 0;
     }
 };
 
@@ -67,24 +68,24 @@ private Q_SLOTS:
     void assign()
     {
         const Settings f(VFETCH(int, type), VFETCH(QString, format), VFETCH(QString, options));
-        const Assignment a = assignValue(VFETCH(QString, input), f.s, QStringLiteral("old"));
+        const Assignment a = assignValue(VFETCH(QString, input), f.s, u"old"_s);
         QStringList outcome;
         for (const Report &r : a.reports)
-            outcome << QStringLiteral("msg%1").arg(r.number);
+            outcome << u"msg%1"_s.arg(r.number);
         if (a.clearFirst)
-            outcome << QStringLiteral("clear");
+            outcome << u"clear"_s;
         if (a.notifyValue)
-            outcome << QStringLiteral("notify");
-        QCOMPARE(outcome.join(QLatin1Char(' ')), VFETCH(QString, outcome));
-        QCOMPARE(a.show ? a.show->shown : QStringLiteral("-"), VFETCH(QString, shown));
-        QCOMPARE(a.show ? a.show->stored : QStringLiteral("-"), VFETCH(QString, stored));
+            outcome << u"notify"_s;
+        QCOMPARE(outcome.join(u' '), VFETCH(QString, outcome));
+        QCOMPARE(a.show ? a.show->shown : u"-"_s, VFETCH(QString, shown));
+        QCOMPARE(a.show ? a.show->stored : u"-"_s, VFETCH(QString, stored));
     }
 
     void numberKeptWhole()
     {
-        const Settings f(itNum, QStringLiteral("0.00"));
-        const ShownValue v = showValue(QStringLiteral("1,2345"), f.s);
-        QCOMPARE(v.shown, QStringLiteral("1,23"));
+        const Settings f(itNum, u"0.00"_s);
+        const ShownValue v = showValue(u"1,2345"_s, f.s);
+        QCOMPARE(v.shown, u"1,23"_s);
         QCOMPARE(v.number, std::optional<double>(1.2345));
     }
 

@@ -12,6 +12,7 @@
 #include <random>
 
 using namespace velmora::test;
+using namespace Qt::StringLiterals;
 using Area = QString (*)(const formatfuzz::Pick &);
 Q_DECLARE_METATYPE(Area)
 
@@ -45,8 +46,7 @@ private slots:
         for (int i = 0; i < inputs; ++i) {
             const QString broken = area(pick);
             if (!broken.isEmpty())
-                QFAIL(qPrintable(
-                    QStringLiteral("%1 (seed %2, input %3)").arg(broken).arg(seed).arg(i)));
+                QFAIL(qPrintable(u"%1 (seed %2, input %3)"_s.arg(broken).arg(seed).arg(i)));
         }
         qInfo("%d inputs in %lld ms (seed %u)", inputs, timer.elapsed(), seed);
     }
