@@ -19,13 +19,9 @@ class TestEditFuzz : public QObject
 private slots:
     void randomSequences()
     {
-        const quint32 seed = qEnvironmentVariableIsSet("VELMORA_FUZZ_SEED")
-            ? quint32(qEnvironmentVariableIntValue("VELMORA_FUZZ_SEED"))
-            : 20260517u;
+        const quint32 seed = qEnvironmentVariable("VELMORA_FUZZ_SEED", u"20260517"_s).toUInt();
         // The sanitized run of make test asks for fewer through VELMORA_FUZZ_SEQUENCES.
-        const int sequences = qEnvironmentVariableIsSet("VELMORA_FUZZ_SEQUENCES")
-            ? qEnvironmentVariableIntValue("VELMORA_FUZZ_SEQUENCES")
-            : 200000;
+        const int sequences = qEnvironmentVariable("VELMORA_FUZZ_SEQUENCES", u"200000"_s).toInt();
         std::mt19937 random(seed);
         auto pick = [&random](int n) {
             return int(random() % quint32(n));

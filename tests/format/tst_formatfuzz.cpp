@@ -33,9 +33,7 @@ private slots:
     {
         QFETCH(Area, area);
         QFETCH(int, inputs);
-        const quint32 seed = qEnvironmentVariableIsSet("VELMORA_FUZZ_SEED")
-            ? quint32(qEnvironmentVariableIntValue("VELMORA_FUZZ_SEED"))
-            : 20260517u;
+        const quint32 seed = qEnvironmentVariable("VELMORA_FUZZ_SEED", u"20260517"_s).toUInt();
         std::mt19937 random(seed);
         const formatfuzz::Pick pick = [&random](int n) {
             return int(random() % quint32(n));
