@@ -97,16 +97,6 @@ private Q_SLOTS:
         QCOMPARE(field->FormValue().size(), 32767);
     }
 
-    void fullFieldRefusesWithTone()
-    {
-        field->setValue(QString(32767, u'a'));
-        QTest::keyClick(t->box(), Qt::Key_Home);
-        t->platform.beeps.clear();
-        QTest::keyClicks(t->box(), u"b"_s);
-        QCOMPARE(field->Value(), QString(32767, u'a'));
-        QCOMPARE(t->platform.beeps.size(), 1);
-    }
-
     // The host deletes the field while its box is open, as a form that closes does.
     void fieldDeletedWhileItsBoxIsOpen_data()
     {

@@ -186,6 +186,9 @@ void TestKeyEngine::keys_data()
     row("year first: 29 February 2001", "Dymd", "    -  -  ", "'20010229", "2001-02-2[ ]", "beep");
     // Texts and booleans.
     row("MaxLength refuses with message 14", "A max5", "abcde|", "'f", "abcde|", "beep msg14(5)");
+    const QByteArray full = "|" + QByteArray(32767, 'a'); // the longest text there is
+    row("a full text refuses without MaxLength", "A", full.constData(), "'b", full.constData(),
+        "beep");
     row("MaxLength: a selected char is replaced", "A max5", "abcd[e]", "'f", "abcdf|", "");
     row("MaxLength refusal keeps the deletion", "A max3", "abc[d]e", "'f", "abc|e",
         "beep msg14(3)");
