@@ -10,8 +10,6 @@
 
 #include <QtCore/QStringList>
 
-#include <algorithm>
-
 namespace velmora::test {
 
 using namespace velmora::detail;
@@ -24,12 +22,8 @@ public:
     DisplMode mode = dmChangeable;
     ControlLengthConst control = clBoth;
     qint16 maxLen = 0;
-    // The other settings; settings() adds the ones above and the display format.
-    EditSettings rest {.enterAction = eaDefault,
-                       .arrowAction = aaNoneTab,
-                       .selectText = false,
-                       .enableEmpty = false,
-                       .display = {}};
+    EditSettings rest; // the other settings; settings() adds the above and the display
+
     bool insert = false;
     QString format, stored, clipboard;
     ParsedFormat parsed;
@@ -38,6 +32,9 @@ public:
 
     FakeHost()
     {
+        rest.enterAction = eaDefault;
+        rest.arrowAction = aaNoneTab;
+        rest.selectText = rest.enableEmpty = false;
         parsed.decimalSeparator = u',';
         parsed.thousandsSeparator = u' ';
         parsed.boolFormat = {u"ANO"_s, u"NE"_s, u'A'};
@@ -51,11 +48,9 @@ public:
                 RegionalSettings::DayMonthYear};
     }
 
-    // The separator is the pattern's first character that is no letter.
-    void setDateFormat(QString pattern)
+    void setDateFormat(QString pattern) // dd.mm.yyyy, mm/dd/yyyy or yyyy-mm-dd
     {
-        const QChar separator = *std::find_if_not(pattern.begin(), pattern.end(),
-                                                  [](QChar c) { return c.isLetter(); });
+        const QChar separator = pattern.at(pattern.at(2).isLetter() ? 4 : 2);
         parseDateFormat(parsed, pattern, 0, regional(), {QChar(), QChar(), separator});
     }
 

@@ -81,14 +81,6 @@ private Q_SLOTS:
         QCOMPARE(a.show ? a.show->stored : u"-"_s, VFETCH(QString, stored));
     }
 
-    void numberKeptWhole()
-    {
-        const Settings f(itNum, u"0.00"_s);
-        const ShownValue v = showValue(u"1,2345"_s, f.s);
-        QCOMPARE(v.shown, u"1,23"_s);
-        QCOMPARE(v.number, std::optional<double>(1.2345));
-    }
-
     // A half-typed date moves part by part into a new layout; anything else stays.
     void datePartsMove_data()
     {
