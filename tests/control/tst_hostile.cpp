@@ -1,7 +1,7 @@
 // A careless or hostile host and user: very long pastes and commits, texts an input
 // method commits that are not well formed, fields destroyed while their own message box
-// is open, font objects that go away, and the forms of one value that must agree.
-// (Hostile values through setValue and paste end in real tables in tst_sqlliteral.)
+// is open, font objects that go away. (Hostile values through setValue and paste end in
+// real tables in tst_sqlliteral; the forms of one value agree in tst_field.)
 
 #include "common/TestForm.h"
 #include "common/TestRegistry.h"
@@ -43,7 +43,7 @@ class TestHostile : public QObject
 
     void enter(const QString &how, const QString &text)
     {
-        if (how == QLatin1String("paste")) {
+        if (how == u"paste") {
             QGuiApplication::clipboard()->setText(text);
             QTest::keyClick(t->box(), Qt::Key_V, Qt::ControlModifier);
         } else {
@@ -65,9 +65,7 @@ private Q_SLOTS:
 
     void committedTextIsWellFormed()
     {
-        QString text = QStringLiteral("x'");
-        text.insert(1, QChar(0xD800)).append(QChar(0)).append(QChar(0x85));
-        enter(QStringLiteral("commit"), text);
+        enter(u"commit"_s, u"x\xD800'\0\x85"_s);
         QCOMPARE(field->Value(), u"x\uFFFD'"_s);
         QCOMPARE(field->SQLValue(), u"x\uFFFD''"_s);
     }
@@ -75,31 +73,26 @@ private Q_SLOTS:
     // A paste or commit costs its characters, not their square.
     void longPasteIsLinear_data()
     {
-        QTest::addColumn<InpType>("type");
-        QTest::addColumn<QString>("format");
-        QTest::addColumn<QString>("how");
-        QTest::addColumn<QString>("start");
-        QTest::addColumn<QChar>("character");
-        QTest::addColumn<int>("count");
-        QTest::addColumn<int>("shown"); // characters the field shows afterwards
+        columns<InpType, QString, QString, QString, QChar, int, int>(
+            {"type", "format", "how", "start", "character", "count", "shown"});
+        const int all = 32767;
         for (const char *how : {"paste", "commit"}) {
-            QTest::addRow("%s: letters into an empty text", how)
-                << itAlfaNum << "" << how << "" << QChar(u'x') << 32767 << 32767;
-            QTest::addRow("%s: letters into an upper-case text", how)
-                << itAlfaNum << ">" << how << "" << QChar(u'x') << 32767 << 32767;
-            QTest::addRow("%s: letters into a full text", how)
-                << itAlfaNum << "" << how << QString(32767, u'a') << QChar(u'x') << 32767 << 32767;
-            QTest::addRow("%s: digits into an empty number", how)
-                << itNum << "" << how << "" << QChar(u'7') << 32767 << 32767;
-            QTest::addRow("%s: first letter upper", how)
-                << itAlfaNum << "1>" << how << "" << QChar(u'x') << 32767 << 32767;
-            // A pattern's own characters are typed over again with every character.
-            QTest::addRow("%s: places filled from the right", how)
-                << itAlfaNum << "@@@-@@@" << how << "" << QChar(u'x') << 16000 << 32005;
-            QTest::addRow("%s: places filled from the left, lower case", how)
-                << itAlfaNum << "!<@@/&&" << how << "" << QChar(u'X') << 16000 << 32001;
-            QTest::addRow("%s: no places", how)
-                << itAlfaNum << "x" << how << "" << QChar(u'x') << 16000 << 32000;
+            const QByteArray on = QByteArray(how) + ": ";
+            row(on + "letters into an empty text", itAlfaNum, "", how, "", QChar(u'x'), all, all);
+            row(on + "letters into an upper-case text", itAlfaNum, ">", how, "", QChar(u'x'), all,
+                all);
+            row(on + "letters into a full text", itAlfaNum, "", how, QString(all, u'a'),
+                QChar(u'x'), all, all);
+            row(on + "digits into an empty number", itNum, "", how, "", QChar(u'7'), all, all);
+            row(on + "digits into a long date", itDate, "dd/mm/yyyy" + QString(32757, u'-'), how,
+                "", QChar(u'1'), all, all);
+            row(on + "first letter upper", itAlfaNum, "1>", how, "", QChar(u'x'), all, all);
+            // A pattern's own characters become part of the text with every character.
+            row(on + "places filled from the right", itAlfaNum, "@@@-@@@", how, "", QChar(u'x'),
+                16000, 32005);
+            row(on + "places filled from the left, lower case", itAlfaNum, "!<@@/&&", how, "",
+                QChar(u'X'), 16000, 32001);
+            row(on + "no places", itAlfaNum, "x", how, "", QChar(u'x'), 16000, 32000);
         }
     }
     void longPasteIsLinear()
@@ -114,46 +107,25 @@ private Q_SLOTS:
         QCOMPARE(field->FormValue().size(), VFETCH(int, shown));
     }
 
-    void longCommitIntoALongDate()
-    {
-        type(itDate, QStringLiteral("dd/mm/yyyy") + QString(32757, u'-'))(field);
-        const double ms = msOf([&] { enter(QStringLiteral("commit"), QString(800, u'1')); });
-        QVERIFY2(ms < 100 * Slowdown, qPrintable(QString::number(ms)));
-        QVERIFY(field->FormValue().startsWith(QStringLiteral("11.11.1111")));
-    }
-
-    void fullFieldRefusesWithTone()
-    {
-        field->setValue(QString(32767, u'a'));
-        QTest::keyClick(t->box(), Qt::Key_Home);
-        t->platform.beeps.clear();
-        QTest::keyClicks(t->box(), QStringLiteral("b"));
-        QCOMPARE(field->Value(), QString(32767, u'a'));
-        QCOMPARE(t->platform.beeps.size(), 1);
-    }
-
     // The host deletes the field while its box is open, as a form that closes does.
     void fieldDeletedWhileItsBoxIsOpen_data()
     {
-        QTest::addColumn<QString>("box");
-        QTest::newRow("Msg") << "Msg";
-        QTest::newRow("a reported error") << "error";
-        QTest::newRow("an error of a typed key") << "key";
+        columns<Setup>({"open"});
+        row("Msg", Setup([](Velmora *f) {
+                QString text = u"host"_s;
+                f->Msg(text);
+            }));
+        row("a reported error", set(&Velmora::setValue, "abc"));
+        row("an error of a typed key",
+            Setup([](Velmora *f) { QTest::keyClicks(f->findChild<QLineEdit *>(), u"1,23"_s); }));
     }
     void fieldDeletedWhileItsBoxIsOpen()
     {
-        QFETCH(QString, box);
-        type(itNum, QStringLiteral("0.0"), {set(&Velmora::setMessages, true)})(field);
+        type(itNum, u"0.0"_s, {set(&Velmora::setMessages, true)})(field);
         t->platform.whileBoxOpen = [this] {
             delete field;
         };
-        QString text = QStringLiteral("host");
-        if (box == QLatin1String("Msg"))
-            field->Msg(text);
-        else if (box == QLatin1String("error"))
-            field->setValue(QStringLiteral("abc"));
-        else
-            QTest::keyClicks(t->box(), QStringLiteral("1,23"));
+        VFETCH(Setup, open)(field);
         QVERIFY(field.isNull());
         QCOMPARE(t->platform.boxes.size(), 1);
     }
@@ -161,64 +133,37 @@ private Q_SLOTS:
     void fontObjectOutlivesItsOwner()
     {
         auto *font = new FieldFont;
-        font->setName(QStringLiteral("DejaVu Serif"));
+        font->setName(u"DejaVu Serif"_s);
         field->setFont(font);
         field->setListFont(font);
         font->setSize(13);
         delete font;
         QVERIFY(field->Font() && field->ListFont());
-        QCOMPARE(field->Font()->Name(), QStringLiteral("DejaVu Serif"));
+        QCOMPARE(field->Font()->Name(), u"DejaVu Serif"_s);
         QCOMPARE(field->ListFont()->Size(), 13.0);
-    }
-
-    void formsOfOneValueAgree_data()
-    {
-        columns<InpType, QString, QString, QString, QString, QVariant>(
-            {"type", "format", "input", "value", "sql", "typed"});
-        const QString strasse = QString::fromUtf8("SStraße");
-        row("placeholders applied once", itAlfaNum, u"@@@-@@@"_s, u"123456"_s, u"123-456"_s,
-            u"123-456"_s, QVariant(u"123-456"_s));
-        row("first letter upper case", itAlfaNum, u"1>"_s, QString::fromUtf8("ßtraße"), strasse,
-            strasse, QVariant(strasse));
-        row("impossible date is no date anywhere", itDate, QString(), u"31.02.2005"_s,
-            u"31.02.2005"_s, QString(), QVariant());
-    }
-    void formsOfOneValueAgree()
-    {
-        type(VFETCH(InpType, type), VFETCH(QString, format))(field);
-        field->setValue(VFETCH(QString, input));
-        QCOMPARE(field->Value(), VFETCH(QString, value));
-        QCOMPARE(field->SQLValue(), VFETCH(QString, sql));
-        QCOMPARE(field->varValue(), VFETCH(QVariant, typed));
     }
 
     // A half-typed date survives whatever re-assigns it, and gives no literal.
     void halfTypedDateKeepsItsLayout_data()
     {
-        QTest::addColumn<QString>("what");
-        for (const char *what : {"format", "separator", "length", "value"})
-            QTest::newRow(what) << what;
+        columns<Setup, QString>({"assign", "separator"});
+        row("format", Setup([](Velmora *f) { f->setFormatStr(f->FormatStr()); }), ".");
+        row("separator", set(&Velmora::setFormatDatOddel, "-"), "-");
+        row("length", set(&Velmora::setControlLength, clBoth), ".");
+        row("value", Setup([](Velmora *f) { f->setValue(f->Value()); }), ".");
     }
     void halfTypedDateKeepsItsLayout()
     {
-        QFETCH(QString, what);
         type(itDate)(field);
-        QTest::keyClicks(t->box(), QStringLiteral("12"));
+        QTest::keyClicks(t->box(), u"12"_s);
         QCOMPARE(field->SQLValue(), QString());
-        if (what == QLatin1String("format"))
-            field->setFormatStr(field->FormatStr());
-        else if (what == QLatin1String("separator"))
-            field->setFormatDatOddel(QStringLiteral("-"));
-        else if (what == QLatin1String("length"))
-            field->setControlLength(clBoth);
-        else
-            field->setValue(field->Value());
-        const QString sep = what == QLatin1String("separator") ? QStringLiteral("-") : ".";
-        QCOMPARE(field->FormValue(), QStringLiteral("12") + sep + "  " + sep + "    ");
+        VFETCH(Setup, assign)(field);
+        QFETCH(QString, separator);
+        QCOMPARE(field->FormValue(), u"12"_s + separator + u"  "_s + separator + u"    "_s);
         QCOMPARE(field->Error(), qint16(0));
         QTest::keyClick(t->box(), Qt::Key_Home);
-        QTest::keyClicks(t->box(), QStringLiteral("12052005"));
-        QCOMPARE(field->SQLValue(), QStringLiteral("05/12/2005"));
+        QTest::keyClicks(t->box(), u"12052005"_s);
+        QCOMPARE(field->SQLValue(), u"05/12/2005"_s);
     }
 
     void typeChangedInsideChangeShowsTheNewType()
@@ -226,23 +171,23 @@ private Q_SLOTS:
         connect(
             field, &Velmora::Change, field, [this] { field->setInputType(itBool); },
             Qt::SingleShotConnection);
-        QTest::keyClicks(t->box(), QStringLiteral("a"));
+        QTest::keyClicks(t->box(), u"a"_s);
         QCOMPARE(field->InputType(), itBool);
-        QCOMPARE(field->FormValue(), QStringLiteral("ANO"));
+        QCOMPARE(field->FormValue(), u"ANO"_s);
     }
 
     // PrecValue is the number as assigned, and then as edited; entering is no edit.
     void precValueKeepsTheAssignedNumber()
     {
         t->after->setFocus();
-        type(itNum, QStringLiteral("0.00"))(field);
-        field->setValue(QStringLiteral("1,2345"));
-        QCOMPARE(field->Value(), QStringLiteral("1,23"));
+        type(itNum, u"0.00"_s)(field);
+        field->setValue(u"1,2345"_s);
+        QCOMPARE(field->Value(), u"1,23"_s);
         field->setFocus();
-        QCOMPARE(field->PrecValue(), QStringLiteral("1.2345"));
+        QCOMPARE(field->PrecValue(), u"1.2345"_s);
         QTest::keyClick(t->box(), Qt::Key_End);
         QTest::keyClick(t->box(), Qt::Key_Backspace);
-        QCOMPARE(field->PrecValue(), QStringLiteral("1.2"));
+        QCOMPARE(field->PrecValue(), u"1.2"_s);
     }
 };
 

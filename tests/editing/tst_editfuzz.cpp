@@ -10,58 +10,46 @@
 #include <random>
 
 using namespace velmora::test;
+using namespace Qt::StringLiterals;
 
 class TestEditFuzz : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void randomSequences();
-};
+    void randomSequences()
+    {
+        const quint32 seed = qEnvironmentVariable("VELMORA_FUZZ_SEED", u"20260517"_s).toUInt();
+        // The sanitized run of make test asks for fewer through VELMORA_FUZZ_SEQUENCES.
+        const int sequences = qEnvironmentVariable("VELMORA_FUZZ_SEQUENCES", u"200000"_s).toInt();
+        std::mt19937 random(seed);
+        auto pick = [&random](int n) {
+            return int(random() % quint32(n));
+        };
 
-void TestEditFuzz::randomSequences()
-{
-    const quint32 seed = qEnvironmentVariableIsSet("VELMORA_FUZZ_SEED")
-        ? quint32(qEnvironmentVariableIntValue("VELMORA_FUZZ_SEED"))
-        : 20260517u;
-    // The sanitized run of make test asks for fewer through VELMORA_FUZZ_SEQUENCES.
-    const int sequences = qEnvironmentVariableIsSet("VELMORA_FUZZ_SEQUENCES")
-        ? qEnvironmentVariableIntValue("VELMORA_FUZZ_SEQUENCES")
-        : 200000;
-    std::mt19937 random(seed);
-    auto pick = [&random](int n) {
-        return int(random() % quint32(n));
-    };
-
-    QElapsedTimer timer;
-    timer.start();
-    qint64 operations = 0;
-    for (int i = 0; i < sequences; ++i) {
-        const QString setup = fuzz::setups().at(pick(int(fuzz::setups().size())));
-        const int initial = pick(8);
-        fuzz::Runner runner(setup, initial, fuzz::randomText(pick));
-        QStringList done;
-        for (int n = 1 + pick(12); n > 0; --n) {
-            const fuzz::Op op = fuzz::randomOp(pick, int(runner.box.text().size()));
-            done << op.describe();
-            const QString broken = runner.apply(op);
-            ++operations;
-            if (!broken.isEmpty()) {
-                const QString report
-                    = QStringLiteral("%1 (seed %2, sequence %3, setup \"%4\", start %5): %6")
-                          .arg(broken)
-                          .arg(seed)
-                          .arg(i)
-                          .arg(setup)
-                          .arg(initial)
-                          .arg(done.join(QLatin1Char(' ')));
-                QFAIL(qPrintable(report));
+        QElapsedTimer timer;
+        timer.start();
+        qint64 operations = 0;
+        for (int i = 0; i < sequences; ++i) {
+            const QString setup = fuzz::setups().at(pick(int(fuzz::setups().size())));
+            const int initial = pick(8);
+            fuzz::Runner runner(setup, initial, fuzz::randomText(pick));
+            QStringList done;
+            for (int n = 1 + pick(12); n > 0; --n) {
+                const fuzz::Op op = fuzz::randomOp(pick, int(runner.box.text().size()));
+                done << op.describe();
+                const QString broken = runner.apply(op);
+                ++operations;
+                if (!broken.isEmpty())
+                    QFAIL(qPrintable(u"%1 (seed %2, sequence %3, setup \"%4\", start %5): %6"_s.arg(
+                        broken, QString::number(seed), QString::number(i), setup,
+                        QString::number(initial), done.join(u' '))));
             }
         }
+        qInfo("%d sequences, %lld operations checked in %lld ms (seed %u)", sequences, operations,
+              timer.elapsed(), seed);
     }
-    qInfo("%d sequences, %lld operations checked in %lld ms (seed %u)", sequences, operations,
-          timer.elapsed(), seed);
-}
+};
 
 VELMORA_TEST(TestEditFuzz)
 #include "tst_editfuzz.moc"

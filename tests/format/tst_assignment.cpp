@@ -8,6 +8,7 @@
 using namespace velmora;
 using namespace velmora::detail;
 using namespace velmora::test;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -20,7 +21,7 @@ struct Settings
 
     Settings(int type, QString format, const QString &options = QString())
     {
-        const RegionalSettings rs = RegionalSettings::czech(QLatin1Char(' '));
+        const RegionalSettings rs = RegionalSettings::czech(u' ');
         pf.regional = rs;
         if (type == itNum)
             parseNumFormat(pf, format, rs, {});
@@ -29,10 +30,10 @@ struct Settings
         else if (type == itBool)
             parseBoolFormat(pf.boolFormat, format);
         s.format = {type, format, &pf, pf.boolFormat, 0, atLeftRight, rs};
-        s.setList = options.contains(QLatin1String("list"));
-        s.listCheck = !options.contains(QLatin1String("nocheck"));
-        s.enableEmpty = !options.contains(QLatin1String("noempty"));
-        s.maxLength = options.contains(QLatin1String("max3")) ? 3 : 0;
+        s.setList = options.contains(u"list");
+        s.listCheck = !options.contains(u"nocheck");
+        s.enableEmpty = !options.contains(u"noempty");
+        s.maxLength = options.contains(u"max3") ? 3 : 0;
     }
 };
 
@@ -47,51 +48,37 @@ private Q_SLOTS:
     {
         columns<int, QString, QString, QString, QString, QString, QString>(
             {"type", "format", "options", "input", "shown", "stored", "outcome"});
-        const auto r
-            = [](const char *name, int type, const char *format, const char *options,
-                 const char *input, const char *shown, const char *stored, const char *outcome) {
-                  row(name, type, QString::fromUtf8(format), QString::fromUtf8(options),
-                      QString::fromUtf8(input), QString::fromUtf8(shown), QString::fromUtf8(stored),
-                      QString::fromUtf8(outcome));
-              };
-        r("text trimmed and cut", itAlfaNum, "", "max3", "  abcd ", "abc", "abc", "notify");
-        r("number shown grouped, stored plain", itNum, "#,##0.00", "", "1234,5", "1 234,50",
-          "1234,50", "notify");
-        r("no number taken all the same", itNum, "", "", "x1", "x1", "1", "msg6 notify");
-        r("date in the layout", itDate, "", "", "5.3.2005", "05.03.2005", "05.03.2005", "notify");
-        r("half-typed date kept in place", itDate, "", "", "12.  .", "12.  .    ", "12.  .    ",
-          "notify");
-        r("impossible date reported", itDate, "", "", "31.02.2005", "31.02.2005", "31.02.2005",
-          "msg7 notify");
-        r("truth value", itBool, "", "", "-1", "ANO", "ANO", "notify");
-        r("empty truth value refused", itBool, "", "noempty", "", "-", "-", "msg1");
-        r("list refuses without a row", itAlfaNum, "", "list", "x", "old", "old", "msg1 notify");
-        r("list takes empty", itAlfaNum, "", "list", " ", "-", "-", "clear");
-        r("list without check clears first", itAlfaNum, "", "list nocheck", "x", "x", "x",
-          "clear notify");
+        const int a = itAlfaNum, n = itNum, d = itDate, b = itBool;
+        row("text trimmed and cut", a, "", "max3", "  abcd ", "abc", "abc", "notify");
+        row("number shown grouped, stored plain", n, "#,##0.00", "", "1234,5", "1 234,50",
+            "1234,50", "notify");
+        row("no number taken all the same", n, "", "", "x1", "x1", "1", "msg6 notify");
+        row("date in the layout", d, "", "", "5.3.2005", "05.03.2005", "05.03.2005", "notify");
+        row("half-typed date kept in place", d, "", "", "12.  .", "12.  .    ", "12.  .    ",
+            "notify");
+        row("impossible date reported", d, "", "", "31.02.2005", "31.02.2005", "31.02.2005",
+            "msg7 notify");
+        row("truth value", b, "", "", "-1", "ANO", "ANO", "notify");
+        row("empty truth value refused", b, "", "noempty", "", "-", "-", "msg1");
+        row("list refuses without a row", a, "", "list", "x", "old", "old", "msg1 notify");
+        row("list takes empty", a, "", "list", " ", "-", "-", "clear");
+        row("list without check clears first", a, "", "list nocheck", "x", "x", "x",
+            "clear notify");
     }
     void assign()
     {
         const Settings f(VFETCH(int, type), VFETCH(QString, format), VFETCH(QString, options));
-        const Assignment a = assignValue(VFETCH(QString, input), f.s, QStringLiteral("old"));
+        const Assignment a = assignValue(VFETCH(QString, input), f.s, u"old"_s);
         QStringList outcome;
         for (const Report &r : a.reports)
-            outcome << QStringLiteral("msg%1").arg(r.number);
+            outcome << u"msg%1"_s.arg(r.number);
         if (a.clearFirst)
-            outcome << QStringLiteral("clear");
+            outcome << u"clear"_s;
         if (a.notifyValue)
-            outcome << QStringLiteral("notify");
-        QCOMPARE(outcome.join(QLatin1Char(' ')), VFETCH(QString, outcome));
-        QCOMPARE(a.show ? a.show->shown : QStringLiteral("-"), VFETCH(QString, shown));
-        QCOMPARE(a.show ? a.show->stored : QStringLiteral("-"), VFETCH(QString, stored));
-    }
-
-    void numberKeptWhole()
-    {
-        const Settings f(itNum, QStringLiteral("0.00"));
-        const ShownValue v = showValue(QStringLiteral("1,2345"), f.s);
-        QCOMPARE(v.shown, QStringLiteral("1,23"));
-        QCOMPARE(v.number, std::optional<double>(1.2345));
+            outcome << u"notify"_s;
+        QCOMPARE(outcome.join(u' '), VFETCH(QString, outcome));
+        QCOMPARE(a.show ? a.show->shown : u"-"_s, VFETCH(QString, shown));
+        QCOMPARE(a.show ? a.show->stored : u"-"_s, VFETCH(QString, stored));
     }
 
     // A half-typed date moves part by part into a new layout; anything else stays.

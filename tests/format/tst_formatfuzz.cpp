@@ -12,6 +12,7 @@
 #include <random>
 
 using namespace velmora::test;
+using namespace Qt::StringLiterals;
 using Area = QString (*)(const formatfuzz::Pick &);
 Q_DECLARE_METATYPE(Area)
 
@@ -32,9 +33,7 @@ private slots:
     {
         QFETCH(Area, area);
         QFETCH(int, inputs);
-        const quint32 seed = qEnvironmentVariableIsSet("VELMORA_FUZZ_SEED")
-            ? quint32(qEnvironmentVariableIntValue("VELMORA_FUZZ_SEED"))
-            : 20260517u;
+        const quint32 seed = qEnvironmentVariable("VELMORA_FUZZ_SEED", u"20260517"_s).toUInt();
         std::mt19937 random(seed);
         const formatfuzz::Pick pick = [&random](int n) {
             return int(random() % quint32(n));
@@ -45,8 +44,7 @@ private slots:
         for (int i = 0; i < inputs; ++i) {
             const QString broken = area(pick);
             if (!broken.isEmpty())
-                QFAIL(qPrintable(
-                    QStringLiteral("%1 (seed %2, input %3)").arg(broken).arg(seed).arg(i)));
+                QFAIL(qPrintable(u"%1 (seed %2, input %3)"_s.arg(broken).arg(seed).arg(i)));
         }
         qInfo("%d inputs in %lld ms (seed %u)", inputs, timer.elapsed(), seed);
     }

@@ -8,8 +8,7 @@
 
 using namespace velmora;
 using namespace velmora::detail;
-using velmora::test::columns;
-using velmora::test::row;
+using namespace velmora::test;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -17,7 +16,6 @@ const RegionalSettings cz = RegionalSettings::czech(); // thousands U+00A0
 const RegionalSettings czSp = test::czechSpace();
 const RegionalSettings en = RegionalSettings::english();
 const RegionalSettings sameSeps = {u',', u',', u'.', RegionalSettings::DayMonthYear};
-const QString long40k(40000, u'1');
 } // namespace
 
 class TestRegional : public QObject
@@ -25,58 +23,45 @@ class TestRegional : public QObject
     Q_OBJECT
 
 private slots:
-    void formatNumber_data()
+    // A value through a pattern: a number, a date or a text (which reads no settings).
+    void patterns_data()
     {
-        columns<double, QString, RegionalSettings, QString>({"value", "pattern", "rs", "expected"});
-        row("czech grouping", 1001.1, "#,###.#", czSp, "1 001,1");
-        row("comma after places groups, no scaling", 1234567.0, "#,", en, "1,234,567");
-        row("comma among decimals is literal", 1.25, "0.0,0", en, "1.2,5");
+        columns<QVariant, QString, RegionalSettings, QString>(
+            {"value", "pattern", "rs", "expected"});
+        row("czech grouping", QVariant(1001.1), "#,###.#", czSp, "1 001,1");
+        row("comma after places groups, no scaling", QVariant(1234567.0), "#,", en, "1,234,567");
+        row("comma among decimals is literal", QVariant(1.25), "0.0,0", en, "1.2,5");
         // Two sections: the random checks always give three.
-        row("negative section", -5.0, "0.0;(0.0)", en, "(5.0)");
-        row("no leading zero", 0.5, "#.#", cz, ",5");
-        row("leftmost zero forces", 5.0, "#0#", en, "05");
-        row("half away from zero", -2.5, "0", en, "-3");
-        row("half at 15 digits", 1.005, "0.00", en, "1.01");
-        row("carry through nines", 999999.5, "#,##0", en, "1,000,000");
-        row("no binary noise", 0.1 + 0.2, "0.00000000000000000", en, "0.30000000000000000");
-        row("percent", 0.125, "0.0%", cz, "12,5%");
-        row("equal separators", 1234.5, "#,##0.00", sameSeps, "1,234,50");
-        row("40k places", 1.0, QString(40000, u'0'), en, QString(39999, u'0') + u'1');
-    }
-    void formatNumber()
-    {
-        QTEST(detail::formatNumber(VFETCH(double, value), VFETCH(QString, pattern),
-                                   VFETCH(RegionalSettings, rs)),
-              "expected");
-    }
-
-    void formatDate_data()
-    {
-        columns<QDate, QString, RegionalSettings, QString>({"date", "pattern", "rs", "expected"});
-        const QDate jan(2005, 1, 5);
+        row("negative section", QVariant(-5.0), "0.0;(0.0)", en, "(5.0)");
+        row("no leading zero", QVariant(0.5), "#.#", cz, ",5");
+        row("leftmost zero forces", QVariant(5.0), "#0#", en, "05");
+        row("half away from zero", QVariant(-2.5), "0", en, "-3");
+        row("half at 15 digits", QVariant(1.005), "0.00", en, "1.01");
+        row("carry through nines", QVariant(999999.5), "#,##0", en, "1,000,000");
+        row("no binary noise", QVariant(0.1 + 0.2), "0.00000000000000000", en,
+            "0.30000000000000000");
+        row("percent", QVariant(0.125), "0.0%", cz, "12,5%");
+        row("equal separators", QVariant(1234.5), "#,##0.00", sameSeps, "1,234,50");
+        row("40k places", QVariant(1.0), QString(40000, u'0'), en, QString(39999, u'0') + u'1');
+        const QVariant jan(QDate(2005, 1, 5));
         row("no padding", jan, "d/m/yy", en, "5/1/05");
         row("long runs", jan, "ddd mmmm yyy", cz, "05 01 2005");
-        row("small year", QDate(999, 1, 2), "yyyy yy", en, "0999 99");
+        row("small year", QVariant(QDate(999, 1, 2)), "yyyy yy", en, "0999 99");
+        row("placeholders with literals", QVariant("123456789"), "@@@-@@@-@@@", en, "123-456-789");
+        row("spaces on the left", QVariant("ab"), "@@@@", en, "  ab");
+        row("left-over in front", QVariant("12345"), "(@@@)", en, "12(345)");
+        row("left-over at the end", QVariant("12345"), "!(@@@)", en, "(123)45");
+        row("literals then value", QVariant("abc"), "x>", en, "xABC");
     }
-    void formatDate()
+    void patterns()
     {
-        QTEST(detail::formatDate(VFETCH(QDate, date), VFETCH(QString, pattern),
-                                 VFETCH(RegionalSettings, rs)),
+        QFETCH(QVariant, value);
+        QFETCH(QString, pattern);
+        QFETCH(RegionalSettings, rs);
+        QTEST(value.typeId() == QMetaType::Double      ? formatNumber(value.toDouble(), pattern, rs)
+                  : value.typeId() == QMetaType::QDate ? formatDate(value.toDate(), pattern, rs)
+                                                       : formatString(value.toString(), pattern),
               "expected");
-    }
-
-    void formatString_data()
-    {
-        columns<QString, QString, QString>({"value", "pattern", "expected"});
-        row("placeholders with literals", "123456789", "@@@-@@@-@@@", "123-456-789");
-        row("spaces on the left", "ab", "@@@@", "  ab");
-        row("left-over in front", "12345", "(@@@)", "12(345)");
-        row("left-over at the end", "12345", "!(@@@)", "(123)45");
-        row("literals then value", "abc", "x>", "xABC");
-    }
-    void formatString()
-    {
-        QTEST(detail::formatString(VFETCH(QString, value), VFETCH(QString, pattern)), "expected");
     }
 
     // Past the largest double is no number; past the smallest, zero.
@@ -96,7 +81,7 @@ private slots:
         row("no leap day", "29.2.2005", cz, none);
         row("year zero", "0000-01-01", cz, none);
         row("two parts", "24.12", cz, none);
-        row("40k digits", long40k, cz, none);
+        row("40k digits", QString(40000, u'1'), cz, none);
     }
     void toDate()
     {

@@ -9,8 +9,7 @@
 #include <stdexcept>
 
 using velmora::StrF;
-using velmora::test::columns;
-using velmora::test::row;
+using namespace velmora::test;
 using namespace Qt::StringLiterals;
 
 using StrFCall = std::function<void(StrF &)>;

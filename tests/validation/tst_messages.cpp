@@ -5,8 +5,7 @@
 #include "validation/Messages.h"
 
 using namespace velmora::detail;
-using velmora::test::columns;
-using velmora::test::row;
+using namespace velmora::test;
 using namespace Qt::StringLiterals;
 
 class TestMessages : public QObject
