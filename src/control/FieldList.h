@@ -58,6 +58,7 @@ struct FieldList
     quint64 loads = 0; // loads that gave a list
     qint16 notifiedIndex = -1; // the row ListChanged was last raised for
     bool fromSql = false; // the rows came from SQLList, so the drop-down may refresh them
+    bool loading = false; // a reload the user waits for is under way
     QPointer<ListWindow> window; // created by the first load, kept for the field's life
     // Typing in the open list: the first row of each first letter of the searched column,
     // and the last search, which a longer text of the same start goes on from.

@@ -290,10 +290,20 @@ void VelmoraPrivate::initList(QSqlQuery *rs, bool keepOnFailure)
     const quint64 formatGeneration = set.formatGeneration;
     LoadedList loaded;
     if (keepOnFailure && plan.source != Source::HostQuery && plan.source != Source::Items) {
-        // A reload the user started by dropping down: with progress and a way out.
-        std::optional<LoadedList> done = loadWithProgress(plan, q, set.label);
+        // A reload the user started by dropping down: with progress and a way out. The
+        // window is served meanwhile, so a second drop-down must wait for this one.
+        list.loading = true;
+        std::optional<LoadedList> done;
+        try {
+            done = loadWithProgress(plan, q, set.label);
+        } catch (...) {
+            if (alive)
+                list.loading = false;
+            throw;
+        }
         if (!alive)
             return;
+        list.loading = false;
         if (!done || done->canceled)
             return; // the rows shown before stay
         loaded = std::move(*done);
@@ -406,7 +416,7 @@ bool VelmoraPrivate::showList()
 
 bool VelmoraPrivate::dropDown()
 {
-    if (!list.window)
+    if (!list.window || list.loading)
         return true;
     QPointer<Velmora> alive(q);
     for (;;) {
