@@ -434,8 +434,12 @@ bool VelmoraPrivate::dropDown()
         const int chosen = list.window->choose(anchor, qMax<int>(val.listIndex, 0));
         if (!alive)
             return false;
-        if (txtInput->isVisible())
+        if (txtInput->isVisible()) {
+            // The field's window may have lent its activation to the popup.
+            if (!q->window()->isActiveWindow())
+                q->window()->activateWindow();
             txtInput->setFocus(Qt::PopupFocusReason);
+        }
         if (chosen < 0)
             return true; // cancelled: nothing in the field changes
         if (chosen != 0 || !hasNewItemRow())

@@ -133,9 +133,8 @@ int ListWindow::choose(const QRect &anchor, int row)
     QPointer<ListWindow> alive(this);
     QEventLoop loop;
     m_loop = &loop;
+    // A popup takes the keyboard without taking the activation from the field's window.
     show();
-    raise();
-    activateWindow();
     m_table->setFocus(Qt::PopupFocusReason);
     loop.exec(QEventLoop::DialogExec);
     if (!alive)
