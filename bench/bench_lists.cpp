@@ -20,8 +20,15 @@
 //   Find a value          f) row-by-row search of a present value in the text column:
 //                            trimmed, upper-cased equality, lowest row wins; the figure is
 //                            the median of one lookup
-// The field's side of each scenario is one function marked "Velmora side" below; until
-// it is wired it says so and the anchors are printed alone.
+// The field's side, marked "Velmora side" below, runs each scenario through a field:
+//   Load from SQLite      InitList of a field with SQLConnect "Driver=QSQLITE;...", the
+//                         query above and ListFormatString "N#,##0.00|A|D"
+//   Load from PostgreSQL  the same over "Driver=QPSQL;..." (its connect is in the figure)
+//   First drop-down       Page Down in the loaded field's edit box until its list window
+//                         has painted; and type-ahead in the open list, per typed key
+//   Find a value          setValue of a field whose list is the text column, per lookup,
+//                         and the row search alone (ListRows::findRow), per lookup
+// Each Velmora line gives its ratio to the scenario's anchors and the targets it meets.
 //
 // Honest peaks: every measured run is a process of its own (this program, started again
 // with --child), which opens its connection and warms up on the first 1000 rows, resets
@@ -37,20 +44,30 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDate>
+#include <QtCore/QEventLoop>
 #include <QtCore/QFile>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
+#include <QtCore/QTimer>
 #include <QtCore/QUrl>
 #include <QtSql/QSqlDatabase>
 #include <QtSql/QSqlError>
 #include <QtSql/QSqlQuery>
 #include <QtSql/QSqlQueryModel>
+#include <QtTest/QTest>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QTableView>
+#include <QtWidgets/QVBoxLayout>
+
+#include <velmora/Velmora.h>
+
+#include "lookup/ListRows.h"
 
 #include <sqlite3.h>
 
@@ -74,6 +91,24 @@ constexpr qint64 WarmUpRows = 1000;
 double msSince(Clock::time_point t0)
 {
     return std::chrono::duration<double, std::milli>(Clock::now() - t0).count();
+}
+
+double medianOf(std::vector<double> v)
+{
+    if (v.empty())
+        return 0;
+    const size_t n = v.size();
+    std::nth_element(v.begin(), v.begin() + n / 2, v.end());
+    const double upper = v[n / 2];
+    if (n % 2)
+        return upper;
+    return (*std::max_element(v.begin(), v.begin() + n / 2) + upper) / 2;
+}
+
+// A time in ms with the digits that count: lookups take microseconds, loads seconds.
+QString msText(double ms)
+{
+    return QString::asprintf("%11.*f", ms >= 100 ? 1 : ms >= 1 ? 2 : 5, ms);
 }
 
 // ---------------------------------------------------------------------------------------
@@ -272,12 +307,12 @@ long statusKb(const char *key)
 
 struct Sample
 {
-    bool wired = true; // false: a Velmora side not wired yet
     double ms = 0;
     long growKb = 0;
     qint64 rows = 0;
     QString check; // the text of checkRow(), or what the phase checks instead
     QString error;
+    QString note; // what the median leaves out, said in words
 };
 
 // Times one phase and the memory it takes at its peak.
@@ -589,44 +624,330 @@ Sample anchorFind(Context &c)
 }
 
 // ---------------------------------------------------------------------------------------
-// Velmora side: where the field's loader is plugged in, one function per scenario. Each
-// does what the anchors of its scenario do (warm up on the first WarmUpRows rows, then
-// Meter::start(), the work, Meter::stop()) through the field, and fills rows and check
-// the same way: for the loads the text of row checkRow(), for the drop-down the same, for
-// the search "N of N found" with the median of one lookup as ms. The loader API is not
-// ready yet; until then they return notWired() and the program prints the anchors alone.
+// Velmora side: one function per scenario, doing what the anchors of the scenario do
+// (warm up on the first WarmUpRows rows, then Meter::start(), the work, Meter::stop())
+// through a field, and filling rows and check the same way: for the loads and the
+// drop-down the text of row checkRow(), for the per-lookup and per-key phases "N of N
+// found" with the median of one lookup (or key) as ms. What a median hides (the first
+// lookup that builds the index, the slowest keys) goes into the note.
 
-Sample notWired()
+const QString ListFormat = QStringLiteral("N#,##0.00|A|D");
+const QString NameQuery = QStringLiteral("SELECT name FROM bench_lists ORDER BY id");
+
+QString sqliteConnect(const Context &c)
+{
+    return QStringLiteral("Driver=QSQLITE;Database=") + c.sqliteFile;
+}
+
+QString postgresConnect(const Context &c)
+{
+    return QStringLiteral("Driver=QPSQL;Host=%1;Port=%2;Database=%3;User=%4;Password=%5")
+        .arg(c.pg.host)
+        .arg(c.pg.port)
+        .arg(c.pg.db, c.pg.user, c.pg.password);
+}
+
+// A list field of the three columns: the amount its value, the text shown and searched.
+// Messages are off: a message box would wait for a user who is not there.
+void setUpListField(velmora::Velmora &f, const QString &connect, const QString &sql)
+{
+    f.setMessages(false);
+    f.setSetList(true);
+    f.setListFormatString(ListFormat);
+    f.setValueCol(0);
+    f.setTextCol(1);
+    f.setMatchCol(1);
+    f.setSQLConnect(connect);
+    f.setSQLList(sql);
+}
+
+QTableView *listTable(const velmora::Velmora &f)
+{
+    return f.findChild<QTableView *>(QStringLiteral("lstList"));
+}
+
+QString listCell(const velmora::Velmora &f, qint64 row, int column)
+{
+    const QTableView *table = listTable(f);
+    return table ? table->model()->index(int(row), column).data().toString() : QString();
+}
+
+// InitList of a field, timed, after a load of the first rows on the same field.
+Sample loadThroughField(Context &c, const QString &connect)
 {
     Sample s;
-    s.wired = false;
+    velmora::Velmora field;
+    setUpListField(field, connect, limited(WarmUpRows));
+    Meter m;
+    try {
+        field.InitList();
+        field.setSQLList(ListQuery);
+        m.start();
+        field.InitList();
+        m.stop(s);
+    } catch (const velmora::DatabaseError &e) {
+        s.error = e.message();
+        return s;
+    }
+    s.rows = field.ListCount();
+    s.check = listCell(field, checkRow(c.rows) - 1, 1);
     return s;
 }
 
 // Load from SQLite: a field given "Driver=QSQLITE;Database=<c.sqliteFile>" and ListQuery.
-Sample velmoraLoadSqlite(Context &)
+Sample velmoraLoadSqlite(Context &c)
 {
-    return notWired();
+    return loadThroughField(c, sqliteConnect(c));
 }
 
-// Load from PostgreSQL: a field given "Driver=QPSQL;Host=...;Port=...;Database=...;
-// User=...;Password=..." from c.pg and ListQuery.
-Sample velmoraLoadPostgres(Context &)
+// Load from PostgreSQL: the same through "Driver=QPSQL;Host=...". The field opens its
+// connection inside InitList, so the figure holds a connect that the anchor's does not.
+Sample velmoraLoadPostgres(Context &c)
 {
-    return notWired();
+    return loadThroughField(c, postgresConnect(c));
 }
 
-// First drop-down: a field holding the N texts, shown, its list window shown and painted.
-Sample velmoraFirstDropDown(Context &)
+// A shown form with a list field that has focus, loaded from the SQLite file.
+struct ListForm
 {
-    return notWired();
+    QWidget form;
+    velmora::Velmora *field = new velmora::Velmora(&form);
+
+    ListForm(const Context &c, const QString &sql)
+    {
+        auto *layout = new QVBoxLayout(&form);
+        layout->addWidget(field);
+        setUpListField(*field, sqliteConnect(c), sql);
+        form.show();
+        QApplication::setActiveWindow(&form);
+        field->setFocus();
+        QCoreApplication::processEvents();
+    }
+    QLineEdit *box() const { return field->findChild<QLineEdit *>(QStringLiteral("txtInput")); }
+
+    // Presses Page Down in the field and runs `inList` once the list window is shown, from
+    // the event loop the open window runs; `inList` closes the window. False when the
+    // window did not open within a minute.
+    bool dropDown(const std::function<void(QTableView *)> &inList)
+    {
+        QTableView *table = listTable(*field);
+        if (!table)
+            return false;
+        bool opened = false;
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, [&] {
+            if (opened || !table->isVisible())
+                return;
+            opened = true;
+            inList(table);
+        });
+        poll.start(0);
+        QTimer giveUp;
+        giveUp.setSingleShot(true);
+        QObject::connect(&giveUp, &QTimer::timeout, [&] {
+            if (table->isVisible())
+                QTest::keyClick(table, Qt::Key_Escape);
+        });
+        giveUp.start(60000);
+        QTest::keyClick(box(), Qt::Key_PageDown);
+        return opened;
+    }
+};
+
+// First drop-down: a field holding the N rows, shown; from Page Down in its edit box until
+// the list window has painted its rows. The list is loaded beforehand (the load is the
+// scenarios above); a field of the first rows drops down once to warm up.
+Sample velmoraFirstDropDown(Context &c)
+{
+    Sample s;
+    {
+        ListForm warm(c, limited(WarmUpRows));
+        warm.field->InitList();
+        warm.dropDown([](QTableView *table) { QTest::keyClick(table, Qt::Key_Escape); });
+    }
+    ListForm f(c, ListQuery);
+    try {
+        f.field->InitList();
+    } catch (const velmora::DatabaseError &e) {
+        s.error = e.message();
+        return s;
+    }
+    QCoreApplication::processEvents();
+    QTableView *table = listTable(*f.field);
+    PaintCounter counter;
+    table->viewport()->installEventFilter(&counter);
+    Meter m;
+    bool painted = false;
+    m.start();
+    // The window's loop runs the poll before it paints, so the poll waits for the paint:
+    // a zero timer after the first paint event fires once that paint is done.
+    const bool opened = f.dropDown([&](QTableView *t) {
+        QTimer wait;
+        QEventLoop loop;
+        QObject::connect(&wait, &QTimer::timeout, [&] {
+            if (counter.paints > 0)
+                loop.quit();
+        });
+        wait.start(0);
+        QTimer::singleShot(60000, &loop, &QEventLoop::quit);
+        loop.exec();
+        m.stop(s);
+        painted = counter.paints > 0;
+        QTest::keyClick(t, Qt::Key_Escape);
+    });
+    table->viewport()->removeEventFilter(&counter);
+    if (!opened)
+        s.error = QStringLiteral("Page Down opened no list window");
+    else if (!painted)
+        s.error = QStringLiteral("the list window did not paint within a minute");
+    s.rows = f.field->ListCount();
+    s.check = listCell(*f.field, checkRow(c.rows) - 1, 1);
+    return s;
 }
 
-// Find a value: the field's search for lookupsOf(c.rows, c.lookups) in a list of the N
-// texts, median of one lookup.
-Sample velmoraFind(Context &)
+// The value below which the given share of the values lies (1: the largest).
+double upperOf(std::vector<double> v, double share)
 {
-    return notWired();
+    std::sort(v.begin(), v.end());
+    return v.empty() ? 0 : v[std::min(v.size() - 1, size_t(double(v.size()) * share))];
+}
+
+// Type-ahead in the open list: per lookup the list is opened and the row's number typed
+// as "customer 123456", key by key; each key's time lasts until the list has repainted.
+// Every text starts with "Customer ", whose keys find row 0 at once; the figure is the
+// median of the digit keys, which search deep into the list as a user's distinguishing
+// keys do. The note gives the median of all keys and the slowest.
+Sample velmoraTypeAhead(Context &c)
+{
+    Sample s;
+    ListForm f(c, ListQuery);
+    try {
+        f.field->InitList();
+    } catch (const velmora::DatabaseError &e) {
+        s.error = e.message();
+        return s;
+    }
+    f.dropDown([](QTableView *table) {
+        QTest::keyClicks(table, QStringLiteral("customer 000"));
+        QTest::keyClick(table, Qt::Key_Escape);
+    });
+    std::mt19937_64 rng(20260518);
+    std::uniform_int_distribution<qint64> rowOf(1, c.rows);
+    std::vector<double> ms, digitMs;
+    int right = 0;
+    Meter m;
+    m.start();
+    for (int n = 0; n < c.lookups; ++n) {
+        const qint64 i = rowOf(rng);
+        const QByteArray typed
+            = QStringLiteral("customer %1").arg(i, 6, 10, QLatin1Char('0')).toLatin1();
+        f.dropDown([&](QTableView *table) {
+            QCoreApplication::processEvents();
+            for (qsizetype k = 0; k < typed.size(); ++k) {
+                const auto t0 = Clock::now();
+                QTest::keyClick(table, typed.at(k));
+                QCoreApplication::processEvents();
+                ms.push_back(msSince(t0));
+                if (typed.at(k) >= '0' && typed.at(k) <= '9')
+                    digitMs.push_back(ms.back());
+            }
+            right += table->currentIndex().row() == i - 1 ? 1 : 0;
+            QTest::keyClick(table, Qt::Key_Escape);
+        });
+    }
+    m.stop(s);
+    s.ms = medianOf(digitMs);
+    s.rows = f.field->ListCount();
+    s.check = QStringLiteral("%1 of %2 found").arg(right).arg(c.lookups);
+    s.note = QStringLiteral("%1 keys, %2 of them digits; all keys: median %3 ms; digit keys: "
+                            "90th percentile %4 ms, slowest %5 ms")
+                 .arg(ms.size())
+                 .arg(digitMs.size())
+                 .arg(medianOf(ms), 0, 'f', 3)
+                 .arg(upperOf(digitMs, 0.9), 0, 'f', 2)
+                 .arg(upperOf(digitMs, 1.0), 0, 'f', 2);
+    return s;
+}
+
+// The texts of the list, one column.
+velmora::detail::ListRows nameRows(qint64 rows)
+{
+    velmora::detail::ListRows out(1);
+    for (qint64 i = 1; i <= rows; ++i) {
+        const QString name = QString::fromStdString(nameOf(i));
+        out.appendRow({QStringView(name)});
+    }
+    return out;
+}
+
+// Find a value: Value assigned to a field whose list is the N texts (value and text
+// column alike), median of one assignment. The row found is read back through
+// GetSelectedElem, so an assignment that lands on the wrong row counts as not found.
+Sample velmoraFind(Context &c)
+{
+    Sample s;
+    velmora::Velmora field;
+    field.setMessages(false); // a value refused would wait in a message box
+    field.setSetList(true);
+    field.setSQLConnect(sqliteConnect(c));
+    field.setSQLList(NameQuery);
+    try {
+        field.InitList();
+    } catch (const velmora::DatabaseError &e) {
+        s.error = e.message();
+        return s;
+    }
+    const auto lookups = lookupsOf(c.rows, c.lookups);
+    auto t0 = Clock::now();
+    field.setValue(lookups.front().first); // builds the search index
+    const double firstMs = msSince(t0);
+    std::vector<double> ms;
+    int right = 0;
+    Meter m;
+    m.start();
+    for (const auto &[value, row] : lookups) {
+        t0 = Clock::now();
+        field.setValue(value);
+        ms.push_back(msSince(t0));
+        right += field.GetSelectedElem(0) == QString::fromStdString(nameOf(row + 1)) ? 1 : 0;
+    }
+    m.stop(s);
+    s.ms = medianOf(ms);
+    s.rows = field.ListCount();
+    s.check = QStringLiteral("%1 of %2 found").arg(right).arg(lookups.size());
+    s.note
+        = QStringLiteral("first assignment, which builds the index: %1 ms").arg(firstMs, 0, 'f', 1);
+    return s;
+}
+
+// The search alone: ListRows::findRow on the N texts, as the field calls it. It has no
+// public face; the benchmark reaches it through the library's private headers.
+Sample velmoraFindRow(Context &c)
+{
+    Sample s;
+    const velmora::detail::ListRows rows = nameRows(c.rows);
+    const auto lookups = lookupsOf(c.rows, c.lookups);
+    auto t0 = Clock::now();
+    rows.findRow(0, lookups.front().first); // builds the search index
+    const double firstMs = msSince(t0);
+    std::vector<double> ms;
+    int right = 0;
+    Meter m;
+    m.start();
+    for (const auto &[value, row] : lookups) {
+        t0 = Clock::now();
+        const int found = rows.findRow(0, value);
+        ms.push_back(msSince(t0));
+        right += found == row ? 1 : 0;
+    }
+    m.stop(s);
+    s.ms = medianOf(ms);
+    s.rows = rows.rowCount();
+    s.check = QStringLiteral("%1 of %2 found").arg(right).arg(lookups.size());
+    s.note = QStringLiteral("first search, which builds the index: %1 ms; the clock read "
+                            "around each search is in the figure")
+                 .arg(firstMs, 0, 'f', 1);
+    return s;
 }
 
 // ---------------------------------------------------------------------------------------
@@ -642,7 +963,13 @@ struct Phase
     Sample (*run)(Context &);
     Needs needs = Needs::Nothing;
     bool velmora = false;
-    bool timesLookup = false; // ms is one lookup, not the whole phase
+    bool timesLookup = false; // ms is one lookup (or key), not the whole phase
+    const char *per = ""; // what ms is the time of, when not of the whole phase
+    // Targets of a Velmora phase: at most these times the anchor's median, at most maxMs.
+    std::vector<std::pair<QString, double>> againstAnchors;
+    double maxMs = 0;
+    bool comparable = true; // false: a ratio to the scenario's anchors means nothing
+    QString note; // of the last run reported
 
     // Filled by the rounds.
     std::vector<std::vector<Sample>> rounds;
@@ -669,6 +996,7 @@ std::vector<Phase> allPhases()
         ph.needs = needs;
         ph.velmora = ph.id.startsWith(QLatin1String("velmora"));
         ph.timesLookup = scenario == find;
+        ph.per = ph.timesLookup ? "lookup" : "";
         p.push_back(std::move(ph));
     };
     add("a", sqlite, "a) sqlite3 C API, std::string per cell", anchorSqliteApi);
@@ -676,18 +1004,32 @@ std::vector<Phase> allPhases()
     add("c", sqlite, "c) QSqlQuery forward-only, QString per cell", anchorSqliteQuery);
     add("c-odbc", sqlite, "c-odbc) same through QODBC, driver SQLite3", anchorSqliteOdbc,
         Needs::Odbc);
-    add("velmora-sqlite", sqlite, "velmora", velmoraLoadSqlite);
+    add("velmora-sqlite", sqlite, "velmora: InitList over QSQLITE", velmoraLoadSqlite);
+    p.back().againstAnchors
+        = {{QStringLiteral("a"), 1.3}, {QStringLiteral("b"), 1.0}, {QStringLiteral("c"), 1.0}};
     add("d", pg, "d) QSqlQuery forward-only (QPSQL), QString per cell", anchorPostgres,
         Needs::Postgres);
     add("d-odbc", pg, "d-odbc) same through QODBC, PostgreSQL Unicode", anchorPostgresOdbc,
         Needs::PostgresOdbc);
     add("d-odbc-cursor", pg, "d-odbc-cursor) same with UseDeclareFetch=1;Fetch=10000",
         anchorPostgresOdbcCursor, Needs::PostgresOdbc);
-    add("velmora-pg", pg, "velmora", velmoraLoadPostgres, Needs::Postgres);
+    add("velmora-pg", pg, "velmora: InitList over QPSQL, connecting included", velmoraLoadPostgres,
+        Needs::Postgres);
+    p.back().againstAnchors = {{QStringLiteral("d"), 1.3}};
     add("e", drop, "e) QComboBox addItems, shown, popup painted", anchorComboBox);
-    add("velmora-dropdown", drop, "velmora", velmoraFirstDropDown);
+    add("velmora-dropdown", drop, "velmora: Page Down to the list painted", velmoraFirstDropDown);
+    p.back().maxMs = 30;
+    add("velmora-typeahead", drop, "velmora: type-ahead in the open list, digit keys",
+        velmoraTypeAhead);
+    p.back().timesLookup = true;
+    p.back().per = "key";
+    p.back().maxMs = 5;
+    p.back().comparable = false;
     add("f", find, "f) row-by-row trimmed upper-case equality", anchorFind);
-    add("velmora-find", find, "velmora", velmoraFind);
+    add("velmora-find", find, "velmora: setValue on the field", velmoraFind);
+    add("velmora-findrow", find, "velmora: the row search alone (ListRows::findRow)",
+        velmoraFindRow);
+    p.back().maxMs = 0.001;
     return p;
 }
 
@@ -790,10 +1132,10 @@ int runChild(const Options &o)
     c.pg = PgServer::fromText(qgetenv("VELMORA_BENCH_PG"));
     c.lookups = o.lookups;
     const Sample s = it->run(c);
-    std::printf("RESULT wired=%d ms=%.4f kb=%ld rows=%lld check=%s error=%s\n", int(s.wired), s.ms,
-                s.growKb, static_cast<long long>(s.rows),
-                QUrl::toPercentEncoding(s.check).constData(),
-                QUrl::toPercentEncoding(s.error).constData());
+    std::printf("RESULT ms=%.6f kb=%ld rows=%lld check=%s error=%s note=%s\n", s.ms, s.growKb,
+                static_cast<long long>(s.rows), QUrl::toPercentEncoding(s.check).constData(),
+                QUrl::toPercentEncoding(s.error).constData(),
+                QUrl::toPercentEncoding(s.note).constData());
     std::fflush(stdout);
     // What the phase built is not freed: no one measures that, and it takes long.
     std::_Exit(0);
@@ -830,9 +1172,7 @@ Sample runInChild(const Options &o, const QString &dataFile, const PgServer &pg,
     for (const QByteArray &field : out.mid(at + 7).trimmed().split(' ')) {
         const qsizetype eq = field.indexOf('=');
         const QByteArray key = field.left(eq), value = field.mid(eq + 1);
-        if (key == "wired")
-            s.wired = value == "1";
-        else if (key == "ms")
+        if (key == "ms")
             s.ms = value.toDouble();
         else if (key == "kb")
             s.growKb = value.toLong();
@@ -842,6 +1182,8 @@ Sample runInChild(const Options &o, const QString &dataFile, const PgServer &pg,
             s.check = QString::fromUtf8(QByteArray::fromPercentEncoding(value));
         else if (key == "error")
             s.error = QString::fromUtf8(QByteArray::fromPercentEncoding(value));
+        else if (key == "note")
+            s.note = QString::fromUtf8(QByteArray::fromPercentEncoding(value));
     }
     return s;
 }
@@ -858,18 +1200,6 @@ QString wrongOf(const Sample &s, const Phase &p, const Options &o)
     if (s.check != want)
         return QStringLiteral("row check: \"%1\", not \"%2\"").arg(s.check, want);
     return {};
-}
-
-double medianOf(std::vector<double> v)
-{
-    if (v.empty())
-        return 0;
-    const size_t n = v.size();
-    std::nth_element(v.begin(), v.begin() + n / 2, v.end());
-    const double upper = v[n / 2];
-    if (n % 2)
-        return upper;
-    return (*std::max_element(v.begin(), v.begin() + n / 2) + upper) / 2;
 }
 
 double spreadOf(const std::vector<double> &medians, size_t from, size_t to)
@@ -955,8 +1285,6 @@ int runParent(const Options &opt)
             p.skipped = QStringLiteral("PostgreSQL: ") + pgWhy;
         else if (needsOdbc && !odbcWhy.isEmpty())
             p.skipped = QStringLiteral("ODBC: ") + odbcWhy;
-        else if (p.velmora && !runInChild(opt, dataFile, pg, p).wired)
-            p.skipped = QStringLiteral("velmora side: not wired yet");
         if (p.skipped.isEmpty())
             measured.push_back(&p);
     }
@@ -980,7 +1308,8 @@ int runParent(const Options &opt)
                     std::fprintf(stderr, "bench_lists: %s: %s\n", qPrintable(p.title),
                                  qPrintable(wrong));
                     ++failed;
-                    p.skipped = QStringLiteral("failed: ") + wrong;
+                    p.skipped = QStringLiteral("failed: %1 (that run: %2 ms)")
+                                    .arg(wrong, msText(s.ms).trimmed());
                 }
                 p.rounds.back().push_back(s);
                 std::fprintf(stderr, "  round %zu, %-16s %10.1f ms %8.1f MiB\n", rounds + 1,
@@ -1028,6 +1357,7 @@ int runParent(const Options &opt)
             }
         p->median = medianOf(ms);
         p->growKb = long(medianOf(kb));
+        p->note = p->rounds[first + reported - 1].back().note;
         p->spread = reported ? spreadOf(p->medians, first, first + reported) : 0;
     }
 
@@ -1063,27 +1393,46 @@ int runParent(const Options &opt)
             }
             if (!reference)
                 reference = &p;
-            std::printf("  %-56s %11.1f %10.1f %6.1f%% %7.2fx%s\n", qPrintable(p.title), p.median,
-                        double(p.growKb) / 1024, p.spread * 100, p.median / reference->median,
-                        p.timesLookup ? "  (per lookup)" : "");
+            std::printf("  %-56s %s %10.1f %6.1f%% %7.2fx%s\n", qPrintable(p.title),
+                        qPrintable(msText(p.median)), double(p.growKb) / 1024, p.spread * 100,
+                        p.median / reference->median,
+                        p.timesLookup ? qPrintable(QStringLiteral("  (per %1)").arg(p.per)) : "");
         }
         for (const Phase &p : phases) {
             if (p.scenario != scenario || !p.velmora)
                 continue;
             if (!p.skipped.isEmpty()) {
-                const bool notWired = p.skipped.startsWith(QLatin1String("velmora side"));
-                std::printf("  %s%s\n",
-                            notWired ? "" : "velmora side left out: ", qPrintable(p.skipped));
+                std::printf("  %s left out: %s\n", qPrintable(p.title), qPrintable(p.skipped));
                 continue;
             }
-            std::printf("  %-56s %11.1f %10.1f %6.1f%%\n", "velmora side", p.median,
-                        double(p.growKb) / 1024, p.spread * 100);
-            for (const Phase &a : phases)
-                if (a.scenario == scenario && !a.velmora && a.skipped.isEmpty() && a.median > 0
-                    && (opt.only.isEmpty() || opt.only.contains(a.id)))
-                    std::printf("    %-54s %7.2fx\n",
-                                qPrintable(QStringLiteral("against ") + a.title),
-                                p.median / a.median);
+            std::printf("  %-56s %s %10.1f %6.1f%%%s\n", qPrintable(p.title),
+                        qPrintable(msText(p.median)), double(p.growKb) / 1024, p.spread * 100,
+                        p.timesLookup ? qPrintable(QStringLiteral("          (per %1)").arg(p.per))
+                                      : "");
+            if (p.maxMs > 0)
+                std::printf("    %-54s %s  %s\n",
+                            qPrintable(QStringLiteral("target: at most %1 ms").arg(p.maxMs)),
+                            qPrintable(msText(p.maxMs)), p.median <= p.maxMs ? "met" : "MISSED");
+            for (const Phase &a : phases) {
+                if (!p.comparable || a.scenario != scenario || a.velmora || !a.skipped.isEmpty()
+                    || a.median <= 0 || (!opt.only.isEmpty() && !opt.only.contains(a.id)))
+                    continue;
+                const double ratio = p.median / a.median;
+                QString verdict;
+                for (const auto &[id, most] : p.againstAnchors)
+                    if (id == a.id)
+                        verdict = QStringLiteral("  target %1 %2: %3")
+                                      .arg(most == 1.0 ? QStringLiteral("faster, under")
+                                                       : QStringLiteral("at most"))
+                                      .arg(most, 0, 'f', 2)
+                                      .arg(most == 1.0 ? (ratio < 1.0 ? "met" : "MISSED")
+                                                       : (ratio <= most ? "met" : "MISSED"));
+                std::printf("    %-54s %7.2fx%s\n",
+                            qPrintable(QStringLiteral("against ") + a.title), ratio,
+                            qPrintable(verdict));
+            }
+            if (!p.note.isEmpty())
+                std::printf("    %s\n", qPrintable(p.note));
         }
     }
     for (const Phase &p : phases) {
@@ -1101,6 +1450,9 @@ int runParent(const Options &opt)
             {QStringLiteral("spread"), p.spread},
             {QStringLiteral("roundMediansMs"), medians},
             {QStringLiteral("perLookup"), p.timesLookup},
+            {QStringLiteral("per"), QString::fromLatin1(p.per)},
+            {QStringLiteral("targetMs"), p.maxMs},
+            {QStringLiteral("note"), p.note},
             {QStringLiteral("skipped"), p.skipped},
         });
     }
