@@ -1,6 +1,5 @@
-// Connection strings: keys and their synonyms, quoting, the ODBC hand-over, and the
-// strings that are refused with a message that never shows the password. The list fuzz
-// checks braced values, ports and passwords in messages on random strings.
+// Connection strings: keys, synonyms, quoting, the ODBC hand-over, and refused strings
+// (the list fuzz checks braced values, ports and passwords in messages at random).
 
 #include "common/DataRows.h"
 #include "common/TestRegistry.h"

@@ -1,6 +1,5 @@
-// The checks of the list fuzzer on a fixed number of pseudo-random inputs per area. The
-// seed is fixed (VELMORA_FUZZ_SEED overrides it) and printed with a failure, so that
-// the input can be replayed.
+// The list fuzzer's checks on pseudo-random inputs. The seed is fixed (VELMORA_FUZZ_SEED
+// overrides it) and printed with a failure, so that the input can be replayed.
 
 #include "fuzz/ListFuzz.h"
 
