@@ -1,5 +1,5 @@
-// Connection strings: keys and their synonyms, quoting, the ODBC hand-over, and the
-// strings that are refused with a message that never shows the password.
+// Connection strings: keys, synonyms, quoting, the ODBC hand-over, and refused strings
+// (the list fuzz checks braced values, ports and passwords in messages at random).
 
 #include "common/DataRows.h"
 #include "common/TestRegistry.h"
@@ -11,7 +11,6 @@ using namespace velmora;
 using namespace velmora::detail;
 using velmora::test::columns;
 using velmora::test::row;
-using namespace Qt::StringLiterals;
 
 class TestConnectionString : public QObject
 {
@@ -22,30 +21,23 @@ private Q_SLOTS:
     {
         // "settings": driver|database|host|port|user|password|options
         columns<QString, QString>({"text", "settings"});
-        row("plain SQLite", "Driver=QSQLITE;Database=orders.db", "QSQLITE|orders.db||-1|||");
-        row("no driver is SQLite", "Database=orders.db", "QSQLITE|orders.db||-1|||");
+        row("no driver is SQLite, empty parts", ";;Database=orders.db;",
+            "QSQLITE|orders.db||-1|||");
         row("keys in any case, blanks around",
             " driver = qpsql ; HOST = 127.0.0.1 ;Port= 5432;dbname=shop;UID=u;PWD=p",
             "QPSQL|shop|127.0.0.1|5432|u|p|");
         row("synonyms", "Driver=QPSQL;Server=h;Data Source=d;User ID=u;Password=p",
             "QPSQL|d|h|-1|u|p|");
-        row("braced value holds ; and }}", "Driver=QPSQL;Password={a;b}}c};Database=d",
-            "QPSQL|d||-1||a;b}c|");
         row("quoted value, doubled quote", "Driver=QPSQL;Password='it''s';User=\"a;b\"",
             "QPSQL|||-1|a;b|it's|");
-        row("empty parts skipped", ";;Driver=QSQLITE;;Database=a.db;", "QSQLITE|a.db||-1|||");
         row("unknown keys are options as written",
-            "Driver=QPSQL;sslmode=disable;application_name='my app';Database=d",
-            "QPSQL|d||-1|||sslmode=disable;application_name='my app'");
-        row("driver option keeps its case", "Database=a.db;QSQLITE_BUSY_TIMEOUT=100",
-            "QSQLITE|a.db||-1|||QSQLITE_BUSY_TIMEOUT=100");
+            "Driver=QPSQL;sslmode=disable;application_name='my app';QPSQL_X=1;Database=d",
+            "QPSQL|d||-1|||sslmode=disable;application_name='my app';QPSQL_X=1");
         row("ODBC with a driver: the rest as written",
             "Driver=QODBC;Driver={PostgreSQL Unicode};Server=h;Port=5432;UID=u;PWD=p",
             "QODBC|Driver={PostgreSQL Unicode};Server=h;Port=5432;UID=u;PWD=p||-1|||");
         row("ODBC DSN goes first without its key", "UID=u;Driver=QODBC; dsn = shop ",
             "QODBC|shop;UID=u||-1|||");
-        row("ODBC file DSN", "Driver=QODBC;FILEDSN=/etc/odbc/x.dsn;PWD=p",
-            "QODBC|/etc/odbc/x.dsn;PWD=p||-1|||");
     }
     void parse()
     {
@@ -59,14 +51,11 @@ private Q_SLOTS:
     void refused_data()
     {
         columns<QString, QString>({"text", "says"});
-        row("part without =", "Driver=QSQLITE;orders.db", "part 2 has no \"=\"");
         row("password split by ;", "Driver=QPSQL;Password=top;hunter2", "part 3 has no \"=\"");
         row("no key", "Driver=QPSQL; =x", "part 2 has no key");
-        row("port too large", "Driver=QPSQL;Port=99999;PWD=hunter2", "port of part 2");
-        row("port no number", "Driver=QPSQL;Port=54x", "port of part 2");
-        row("unknown driver", "Driver=NoSuch;Database=x;PWD=hunter2",
-            "unknown database driver \"NoSuch\"");
+        row("port no number", "Driver=QPSQL;Port=54x;PWD=hunter2", "port of part 2");
         row("empty driver", "Driver=;Database=x", "part 1 names no driver");
+        row("unknown driver", "Driver=NoSuch;PWD=hunter2", "unknown database driver \"NoSuch\"");
         row("two drivers", "Driver=QPSQL;Driver=QSQLITE", "part 2 names a second driver");
         row("brace not closed", "Driver=QPSQL;Password={hunter2", "has no closing }");
         row("text after a quote", "Driver=QPSQL;Password='hunter2'x", "goes on after");
@@ -81,7 +70,7 @@ private Q_SLOTS:
             QFAIL("no DatabaseError");
         } catch (const DatabaseError &e) {
             QVERIFY2(e.message().contains(VFETCH(QString, says)), qPrintable(e.message()));
-            QVERIFY2(!e.message().contains(u"hunter2"_s), qPrintable(e.message()));
+            QVERIFY(!e.message().contains(u"hunter2"));
             QCOMPARE(e.sqlError().type(), QSqlError::ConnectionError);
             QCOMPARE(QString::fromUtf8(e.what()), e.message());
         }
@@ -90,9 +79,9 @@ private Q_SLOTS:
     void describeLeavesOutThePassword_data()
     {
         columns<QString, QString>({"text", "shows"});
-        row("server", "Driver=QPSQL;Host=h;Port=5;Database=d;User=u;Password=hunter2",
+        row("server", "Driver=QPSQL;Host=h;Port=5;Database=d;User=u;Password=pw",
             "QPSQL database \"d\" on h:5 as u");
-        row("ODBC", "Driver=QODBC;DSN=x;UID=u;pwd={hunter2};hunter3=x", "QODBC \"DSN=x;UID=u\"");
+        row("ODBC", "Driver=QODBC;DSN=x;UID=u;pwd={pw};pw2=x", "QODBC \"DSN=x;UID=u\"");
     }
     void describeLeavesOutThePassword()
     {

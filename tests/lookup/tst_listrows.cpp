@@ -11,30 +11,13 @@
 #include <random>
 
 using namespace velmora::detail;
-using velmora::test::columns;
-using velmora::test::row;
+using namespace velmora::test;
 using namespace Qt::StringLiterals;
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || !defined(NDEBUG)
-constexpr bool Slow = true; // a sanitized or debug build: timings mean nothing
-#else
-constexpr bool Slow = false;
-#endif
-
-// Rows of one column from texts separated by "|".
-ListRows oneColumn(const QString &cells)
-{
-    ListRows rows(1);
-    for (const QString &c : cells.split(u'|'))
-        rows.appendRow({QStringView(c)});
-    return rows;
-}
-
-// A short random text from pieces that the comparison treats specially: case pairs,
-// Czech letters, letters whose upper case is longer or ASCII, and blanks that are no
-// plain spaces.
+// A short random text of pieces the comparison treats specially: case pairs, Czech
+// letters, letters whose upper case is longer or ASCII, blanks that are no spaces.
 QString randomText(std::mt19937 &random)
 {
     static const QStringList pieces
@@ -57,48 +40,35 @@ private Q_SLOTS:
     {
         ListRows rows(2);
         rows.appendRow({u"a", u"b", u"c"}); // the third cell is dropped
-        rows.appendRow({u"x"}); // the second stays empty
-        QCOMPARE(rows.rowCount(), 2);
-        QCOMPARE(rows.cell(0, 1), u"b");
-        QCOMPARE(rows.cell(1, 0), u"x");
-        QVERIFY(rows.cell(1, 1).isEmpty());
-        QVERIFY(rows.cell(0, 2).isEmpty()); // no such column
-        QVERIFY(rows.cell(2, 0).isEmpty()); // no such row
-        QVERIFY(rows.cell(-1, 0).isEmpty());
-
-        rows.prependRow({u"<NOVÝ>"});
-        QCOMPARE(rows.rowCount(), 3);
+        rows.prependRow({u"<NOVÝ>"}); // the second cell stays empty
         QCOMPARE(rows.cell(0, 0), u"<NOVÝ>");
         QVERIFY(rows.cell(0, 1).isEmpty());
         QCOMPARE(rows.cell(1, 1), u"b");
-        QCOMPARE(rows.cell(2, 0), u"x");
-
+        for (auto [r, c] : {std::pair {1, 2}, {2, 0}, {-1, 0}}) // no such cell
+            QVERIFY(rows.cell(r, c).isEmpty());
         ListRows moved = std::move(rows);
         QCOMPARE(moved.cell(1, 0), u"a");
-        QCOMPARE(rows.rowCount(), 0);
-        rows.appendRow({u"again"}); // a moved-from table is usable (empty, no columns)
-        QCOMPARE(rows.rowCount(), 1);
+        rows.setColumnCount(1); // a moved-from table is empty and usable
+        rows.prependRow({u"again"});
+        QCOMPARE(rows.cell(0, 0), u"again");
     }
 
     void findRow_data()
     {
         columns<QString, QString, int, int>({"cells", "text", "firstRow", "row"});
         row("blanks and case do not count", "abcd|  ABC  ", "abc", 0, 1);
-        row("no prefix match", "abcd", "abc", 0, -1);
         row("upper row wins", "x|B|b", " b", 0, 1);
-        row("new-item row is never found", "<NOVÝ>|a", "<NOVÝ>", 1, -1);
         row("from a row on", "a|b|a", "A", 1, 2);
         row("Czech letters", "cr|ČŘ", "čř", 0, 1);
         row("upper case longer than the letter", "STRASSE", "straße", 0, 0);
-        row("dotless i and i are both I", "a|i", "\u0131", 0, 1);
         row("only plain blanks are trimmed", "\tabc|abc\u00a0|abc", "abc", 0, 2);
-        row("empty text finds a blank cell", "a|   |", "", 0, 1);
-        row("no number comparison", "5,00|5", "5.00", 0, -1);
         row("first row past the end", "a", "a", 5, -1);
     }
     void findRow()
     {
-        const ListRows rows = oneColumn(VFETCH(QString, cells));
+        ListRows rows(1);
+        for (const QString &c : VFETCH(QString, cells).split(u'|'))
+            rows.appendRow({QStringView(c)});
         const QString text = VFETCH(QString, text);
         const int firstRow = VFETCH(int, firstRow);
         QCOMPARE(rows.findRowScan(0, text, firstRow), VFETCH(int, row));
@@ -106,6 +76,7 @@ private Q_SLOTS:
         QCOMPARE(rows.findRow(1, text, firstRow), -1); // no such column
     }
 
+    // Every change drops the index: rows added at the end and in front are found.
     void indexAnswersAsTheScan()
     {
         std::mt19937 random(20260517u);
@@ -114,66 +85,40 @@ private Q_SLOTS:
             const QString a = randomText(random), b = randomText(random);
             rows.appendRow({QStringView(a), QStringView(b)});
         }
-        auto compare = [&](int round) {
+        for (int round = 0; round < 3; ++round) {
+            if (round == 1)
+                rows.appendRow({u" ß ", u"ıČ"});
+            if (round == 2) {
+                rows.prependRow({u"  čř  "});
+                QCOMPARE(rows.findRow(0, u"ČŘ"), 0);
+            }
             for (int q = 0; q < 2000; ++q) {
                 const QString text = randomText(random);
                 const int column = int(random() % 2);
-                const int firstRow = int(random() % 4) == 0 ? int(random() % rows.rowCount()) : 0;
-                const int scanned = rows.findRowScan(column, text, firstRow);
-                const int indexed = rows.findRow(column, text, firstRow);
-                if (scanned != indexed)
-                    QFAIL(qPrintable(
-                        u"round %1, column %2, from %3: %4 scanned, %5 indexed for \"%6\""_s
-                            .arg(round)
-                            .arg(column)
-                            .arg(firstRow)
-                            .arg(scanned)
-                            .arg(indexed)
-                            .arg(text)));
+                const int from = int(random() % 4) == 0 ? int(random() % rows.rowCount()) : 0;
+                const QString where = u"\"%1\" in %2 from %3"_s.arg(text).arg(column).arg(from);
+                QVERIFY2(rows.findRow(column, text, from) == rows.findRowScan(column, text, from),
+                         qPrintable(where));
             }
-        };
-        compare(0);
-        // Every change drops the index: rows added at the end and in front are found.
-        const QString tail = randomText(random);
-        rows.appendRow({QStringView(tail), QStringView(tail)});
-        compare(1);
-        rows.prependRow({u"  čř  "});
-        QCOMPARE(rows.findRow(0, u"ČŘ"), 0);
-        compare(2);
+        }
     }
 
     // The field looks a value up on every assignment: constant time at a million rows.
     void lookupTimeAtAMillionRows()
     {
-        const int count = Slow ? 100000 : 1000000;
         ListRows rows(1);
-        rows.reserve(count, qsizetype(count) * 12);
-        for (int i = 0; i < count; ++i) {
-            const QString text = u"Item %1"_s.arg(i);
-            rows.appendRow({QStringView(text)});
-        }
-        QStringList queries;
-        std::mt19937 random(7);
-        for (int i = 0; i < 4000; ++i)
-            queries << u"item %1"_s.arg(int(random() % quint32(count + count / 10)));
+        for (int i = 0; i < 1000000; ++i)
+            rows.appendRow({QStringView(u"Item %1"_s.arg(i))});
         QCOMPARE(rows.findRow(0, u" ITEM 999 "), 999); // builds the index
-
-        std::vector<qint64> perLookup;
-        for (int batch = 0; batch < 40; ++batch) {
-            QElapsedTimer timer;
-            timer.start();
-            int found = 0;
-            for (int i = 0; i < 100; ++i)
-                found += rows.findRow(0, queries.at(batch * 100 + i)) >= 0;
-            perLookup.push_back(timer.nsecsElapsed() / 100);
-            QVERIFY(found > 0);
-        }
-        std::nth_element(perLookup.begin(), perLookup.begin() + 20, perLookup.end());
-        const qint64 median = perLookup[20];
-        qInfo("median lookup %lld ns at %d rows, %lld MB held", median, count,
-              rows.bytesUsed() >> 20);
-        if (!Slow)
-            QVERIFY2(median <= 1000, qPrintable(u"median lookup %1 ns"_s.arg(median)));
+        QStringList queries;
+        for (int i = 0; i < 100000; ++i)
+            queries << u"item %1"_s.arg(i * 7919 % 1100000);
+        QElapsedTimer timer;
+        timer.start();
+        for (const QString &q : queries)
+            rows.findRow(0, q);
+        const qint64 perLookup = timer.nsecsElapsed() / queries.size();
+        QVERIFY2(perLookup <= 3000, qPrintable(u"%1 ns a lookup"_s.arg(perLookup)));
     }
 };
 
