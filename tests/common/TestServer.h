@@ -12,7 +12,6 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QHash>
-#include <QtCore/QUuid>
 #include <QtSql/QSqlDatabase>
 #include <QtSql/QSqlError>
 #include <QtSql/QSqlQuery>
@@ -142,58 +141,6 @@ inline bool odbcReady(const TestServer &s, QString &why)
         return false;
     }
     return true;
-}
-
-// Opens a QODBC connection called `name` with an ODBC connect string (no "Driver=QODBC;"
-// in front). When the database it returns is closed, `why` says why.
-inline QSqlDatabase openOdbc(const QString &name, const QString &odbcConnect, QString &why)
-{
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QODBC"), name);
-    db.setDatabaseName(odbcConnect);
-    if (!db.open())
-        why = QStringLiteral("cannot connect through ODBC with %1: %2")
-                  .arg(odbcConnect, db.lastError().text());
-    return db;
-}
-
-// Ends every other session the test role has on the test database, from a connection of
-// its own, and waits until they are gone: what a dropped network or a restarted server
-// does to a connection in use. Returns how many ended, or -1 with why.
-inline int terminateOtherSessions(QString &why)
-{
-    const QString name = QStringLiteral("terminator-") + QUuid::createUuid().toString();
-    int ended = -1;
-    {
-        QSqlDatabase db = openTestServer(name, why);
-        if (db.isOpen()) {
-            // Only client sessions of the test role: signalling an autovacuum worker of the
-            // same database would be an error for a role that is no superuser.
-            QSqlQuery q(db);
-            if (q.exec(QStringLiteral(
-                    "SELECT pg_terminate_backend(pid, 5000) FROM pg_stat_activity"
-                    " WHERE datname = current_database() AND pid <> pg_backend_pid()"
-                    " AND backend_type = 'client backend' AND usename = current_user"))) {
-                int asked = 0;
-                ended = 0;
-                while (q.next()) {
-                    ++asked;
-                    ended += q.value(0).toBool() ? 1 : 0;
-                }
-                if (ended < asked) {
-                    why = QStringLiteral("%1 of %2 other sessions did not end within 5 s")
-                              .arg(asked - ended)
-                              .arg(asked);
-                    ended = -1;
-                }
-            } else {
-                why = QStringLiteral("ending the other sessions failed: %1")
-                          .arg(q.lastError().text());
-            }
-        }
-        db.close();
-    }
-    QSqlDatabase::removeDatabase(name);
-    return ended;
 }
 
 } // namespace velmora::test
