@@ -118,25 +118,7 @@ QString fractionDigits(const Decimal &d, int places)
 // Number patterns
 // ---------------------------------------------------------------------------------
 
-struct Token
-{
-    enum Kind { Digit, Point, Comma, Percent, Text };
-    Kind kind;
-    QString text; // Text: the literal; Digit: "0" or "#"
-};
-
-// One section of a number pattern, read once and then rendered.
-struct NumberSection
-{
-    std::vector<Token> tokens;
-    bool isEmpty = true; // written as nothing: the first section stands in for it
-    bool grouping = false;
-    bool percent = false;
-    int integerPlaces = 0;
-    int decimalPlaces = 0;
-    int minIntegerDigits = 0; // from the leftmost integer "0" to the point
-    int minDecimalDigits = 0; // from the point to the rightmost decimal "0"
-};
+using Token = NumberToken;
 
 // Splits at ";" outside quotes and escapes; only the first three sections count.
 QList<QStringView> splitSections(QStringView pattern)
@@ -377,6 +359,14 @@ int widenYear(int year)
 // Formatting
 // ---------------------------------------------------------------------------------
 
+std::vector<NumberSection> parseNumberPattern(const QString &pattern)
+{
+    std::vector<NumberSection> sections;
+    for (QStringView t : splitSections(pattern))
+        sections.push_back(parseSection(t));
+    return sections;
+}
+
 QString formatNumber(double value, const QString &pattern, const RegionalSettings &rs)
 {
     if (!std::isfinite(value))
@@ -384,10 +374,7 @@ QString formatNumber(double value, const QString &pattern, const RegionalSetting
     if (pattern.isEmpty())
         return numberToString(value, rs);
 
-    const QList<QStringView> texts = splitSections(pattern);
-    std::vector<NumberSection> sections;
-    for (QStringView t : texts)
-        sections.push_back(parseSection(t));
+    const std::vector<NumberSection> sections = parseNumberPattern(pattern);
 
     auto sectionFor = [&](bool negative, bool zero) -> size_t {
         size_t i = 0;

@@ -12,6 +12,7 @@
 #include <QtCore/QString>
 
 #include <optional>
+#include <vector>
 
 namespace velmora::detail {
 
@@ -21,6 +22,28 @@ namespace velmora::detail {
 // other character is literal. An empty pattern gives numberToString().
 // formatNumber(1001.1, "#,###.#", czech) == "1 001,1"
 QString formatNumber(double value, const QString &pattern, const RegionalSettings &rs);
+
+// A number pattern as formatNumber reads it: its sections (at most three), each a run
+// of tokens with its digit places counted. A formatter that renders many values with
+// one pattern reads it once.
+struct NumberToken
+{
+    enum Kind { Digit, Point, Comma, Percent, Text };
+    Kind kind;
+    QString text; // Text: the literal; Digit: "0" or "#"
+};
+struct NumberSection
+{
+    std::vector<NumberToken> tokens;
+    bool isEmpty = true; // written as nothing: the first section stands in for it
+    bool grouping = false;
+    bool percent = false;
+    int integerPlaces = 0;
+    int decimalPlaces = 0;
+    int minIntegerDigits = 0; // from the leftmost integer "0" to the point
+    int minDecimalDigits = 0; // from the point to the rightmost decimal "0"
+};
+std::vector<NumberSection> parseNumberPattern(const QString &pattern);
 
 // Date pattern: d, dd, m, mm, yy, yyyy; "/" shows the regional date separator; other
 // characters are literal. formatDate({2005,12,24}, "dd/mm/yyyy", czech) == "24.12.2005"

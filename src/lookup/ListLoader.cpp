@@ -312,28 +312,43 @@ private:
     QString m_name;
 };
 
+// What every column's format starts from: the field's parsed format, the list's
+// regional settings, and the date layout of the list's value column.
+ValueFormat listValueFormat(const ParsedFormat *parsed, const RegionalSettings &regional)
+{
+    ValueFormat vf;
+    vf.parsed = parsed;
+    vf.regional = regional;
+    vf.dateSlot = 1;
+    return vf;
+}
+
 } // namespace
 
 ListCellFormatter::ListCellFormatter(const ListColumns &columns, const ParsedFormat *parsed,
                                      const RegionalSettings &regional)
+    : m_default(listValueFormat(parsed, regional))
 {
-    m_default.parsed = parsed;
-    m_default.regional = regional;
-    m_default.dateSlot = 1;
     for (int c = 0; c <= columns.upperBound(); ++c) {
-        ValueFormat vf = m_default;
+        ValueFormat vf = m_default.valueFormat();
         vf.type = columns.dataType(c);
         vf.format = columns.formatString(c);
         if (vf.type == itBool)
             vf.boolFormat = columns.boolFormat(leadingIndex(vf.format));
         m_asIs.push_back(vf.type == itAlfaNum && vf.format.isEmpty());
-        m_formats.push_back(std::move(vf));
+        // Each column's pattern is read here once, not again for every cell.
+        m_formats.emplace_back(vf);
     }
+}
+
+const CellFormat &ListCellFormatter::cellFormat(int column) const
+{
+    return column >= 0 && size_t(column) < m_formats.size() ? m_formats[size_t(column)] : m_default;
 }
 
 const ValueFormat &ListCellFormatter::valueFormat(int column) const
 {
-    return column >= 0 && size_t(column) < m_formats.size() ? m_formats[size_t(column)] : m_default;
+    return cellFormat(column).valueFormat();
 }
 
 bool ListCellFormatter::showsAsIs(int column) const
@@ -343,7 +358,7 @@ bool ListCellFormatter::showsAsIs(int column) const
 
 QString ListCellFormatter::format(const QString &cell, int column) const
 {
-    return displayText(trimBlanks(cell), valueFormat(column));
+    return cellFormat(column).format(trimBlanks(cell));
 }
 
 void fitColumn(ListColumns &columns, int column, QStringView text, const TextMeasure &measure)

@@ -17,6 +17,7 @@
 #include "ListColumns.h"
 #include "ListRows.h"
 
+#include "format/CellFormat.h"
 #include "format/ParsedFormat.h"
 #include "format/ValueConversion.h"
 
@@ -57,9 +58,11 @@ public:
     const ValueFormat &valueFormat(int column) const;
 
 private:
-    std::vector<ValueFormat> m_formats; // columns 0..upperBound
+    const CellFormat &cellFormat(int column) const;
+
+    std::vector<CellFormat> m_formats; // columns 0..upperBound
     std::vector<bool> m_asIs;
-    ValueFormat m_default;
+    CellFormat m_default;
 };
 
 // Widens a column to fit a text: Length becomes the text's width when that is larger.
