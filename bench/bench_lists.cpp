@@ -1427,9 +1427,10 @@ int runParent(const Options &opt)
                                       .arg(most, 0, 'f', 2)
                                       .arg(most == 1.0 ? (ratio < 1.0 ? "met" : "MISSED")
                                                        : (ratio <= most ? "met" : "MISSED"));
-                std::printf("    %-54s %7.2fx%s\n",
-                            qPrintable(QStringLiteral("against ") + a.title), ratio,
-                            qPrintable(verdict));
+                // Lookups and drop-downs beat their anchors a thousandfold: two digits that count.
+                const QString times = QString::number(ratio, ratio >= 0.1 ? 'f' : 'g', 2);
+                std::printf("    %-54s %8sx%s\n", qPrintable(QStringLiteral("against ") + a.title),
+                            qPrintable(times), qPrintable(verdict));
             }
             if (!p.note.isEmpty())
                 std::printf("    %s\n", qPrintable(p.note));
