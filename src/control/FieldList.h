@@ -56,7 +56,7 @@ struct FieldList
     ListItems items; // the host's rows for the next load
     QDateTime loadedAt; // the last load that gave a list; null before
     quint64 loads = 0; // loads that gave a list
-    qint16 notifiedIndex = -1; // the row ListChanged was last raised for
+    int notifiedIndex = -1; // the row ListChanged was last raised for
     bool fromSql = false; // the rows came from SQLList, so the drop-down may refresh them
     bool loading = false; // a reload the user waits for is under way
     QPointer<ListWindow> window; // created by the first load, kept for the field's life

@@ -355,12 +355,12 @@ int VelmoraPrivate::findListRow(int column, const QString &text) const
     return list.rows.findRow(column, text, hasNewItemRow() ? 1 : 0);
 }
 
-qint16 VelmoraPrivate::valueRow(const QString &value) const
+int VelmoraPrivate::valueRow(const QString &value) const
 {
     if (!list.window || list.rows.isEmpty())
         return -1;
     const QString cell = runMode() ? cellFormatter().format(value, set.valueCol) : value;
-    return qint16(findListRow(set.valueCol, cell));
+    return findListRow(set.valueCol, cell);
 }
 
 std::optional<QString> VelmoraPrivate::chosenValueCell() const
@@ -373,7 +373,7 @@ std::optional<QString> VelmoraPrivate::chosenValueCell() const
 
 bool VelmoraPrivate::notifyListChanged()
 {
-    const qint16 row = val.listIndex;
+    const int row = val.listIndex;
     if (row == -1) {
         list.notifiedIndex = -1;
         return true;
@@ -394,7 +394,7 @@ bool VelmoraPrivate::showList()
         && (set.refreshInt == -1 || (set.refreshInt > 0 && minutes > set.refreshInt));
     if (stale) {
         QPointer<Velmora> alive(q);
-        const qint16 row = val.listIndex;
+        const int row = val.listIndex;
         const QString value = valueGet();
         const quint64 loadsBefore = list.loads;
         try {
@@ -506,7 +506,7 @@ bool VelmoraPrivate::takeListRow(int row)
     if (!valueLet(textToValue(valueCell, columnFormat(set.valueCol), true)))
         return false;
     // The row the user chose, even where an equal row stands above it.
-    val.listIndex = qint16(row);
+    val.listIndex = row;
     if (!writeText(textCell, textToValue(textCell, fieldFormat()), Origin::Assigned))
         return false;
     if (!notifyListChanged())

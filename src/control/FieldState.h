@@ -52,7 +52,7 @@ struct FieldValue
 {
     QString text; // the stored text; written only where the edit box is written
     QString baseText; // the baseline of Changed
-    qint16 listIndex = -1, baseListIndex = -1;
+    int listIndex = -1, baseListIndex = -1; // rows of a list may pass 32767
     bool changed = false;
     qint16 error = 0;
     QVariant lastValue; // the typed value ValueChanged last reported

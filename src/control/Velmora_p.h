@@ -116,7 +116,7 @@ public:
     int findListRow(int column, const QString &text) const;
     // The row a value of the field is in: the value shown as a cell of the value column,
     // then found there.
-    qint16 valueRow(const QString &value) const;
+    int valueRow(const QString &value) const;
     // The value column's cell of the row the value matches, when it is a real row.
     std::optional<QString> chosenValueCell() const;
     bool notifyListChanged();

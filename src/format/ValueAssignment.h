@@ -24,7 +24,7 @@ struct FieldValueSettings
     // With a lookup list: the row the value was found in (-1: none, or the new-item
     // row) and the stored form of that row's text cell, and whether the list's value
     // column is numeric (a zero value then counts as empty).
-    qint16 listRow = -1;
+    int listRow = -1;
     QString listText;
     bool valueColumnNumeric = false;
 };
@@ -57,7 +57,7 @@ struct Assignment
 {
     bool clearFirst = false; // the field is cleared (and its Changed baseline reset) first
     std::optional<ShownValue> show; // the text to show; nothing more when empty
-    qint16 listIndex = -1; // the matching list row (a boolean field: 0 true, 1 false)
+    int listIndex = -1; // the matching list row (a boolean field: 0 true, 1 false)
     QList<Report> reports;
     bool checkValueChanged = false;
     bool notifyValue = false; // the host is told that Value changed

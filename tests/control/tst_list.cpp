@@ -18,6 +18,7 @@
 
 using namespace velmora;
 using namespace velmora::test;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -148,6 +149,23 @@ private slots:
             QCOMPARE(t.field->PrecValue(), VFETCH(QString, sql));
         }
         QCOMPARE(t.field->SQLValue(), VFETCH(QString, sql));
+    }
+
+    // Rows past the 16-bit range are rows like the others.
+    void longListRows()
+    {
+        TestForm t;
+        t.field->setSetList(true);
+        t.field->setTextCol(1);
+        for (int i = 0; i < 70000; ++i) {
+            QString line = u"k%1\tname %1"_s.arg(i);
+            t.field->AddItem(line);
+        }
+        t.field->InitList();
+        t.field->setValue(u"k65541"_s);
+        QCOMPARE(t.box()->text(), u"name 65541"_s);
+        QCOMPARE(t.field->Value(), u"k65541"_s);
+        QVERIFY(t.field->ListOK());
     }
 
     // With the list check on, a value outside the list is refused with message 1 and the
