@@ -19,8 +19,11 @@
 #include <QtWidgets/QTableView>
 
 #include <atomic>
+#include <cmath>
 #include <exception>
+#include <memory>
 #include <thread>
+#include <vector>
 
 namespace velmora {
 
@@ -161,6 +164,34 @@ LoadedList runLoad(LoadPlan &plan, QSqlQuery *rs)
     return loader.fromItems(plan.items, ready);
 }
 
+// A bound of a text's width in a font: the sum of its characters' own advances (from a
+// table filled as characters are met), plus a pixel for each to cover rounding and
+// kerning; a text with marks, surrogates or right-to-left letters gets no bound below
+// the widest character times its length. Shaping a text costs far more than this, and
+// only texts whose bound passes their column's width need it.
+std::function<int(QStringView)> advanceSum(const QFont &font)
+{
+    auto table = std::make_shared<std::vector<float>>(0x3000, -1.0f);
+    auto metrics = std::make_shared<QFontMetricsF>(font);
+    const float widest = float(metrics->maxWidth());
+    return [table, metrics, widest](QStringView text) {
+        double sum = 0;
+        for (const QChar c : text) {
+            const char16_t u = c.unicode();
+            if (u >= table->size() || c.isMark() || c.direction() == QChar::DirR
+                || c.direction() == QChar::DirAL) {
+                sum += widest;
+                continue;
+            }
+            float &w = (*table)[u];
+            if (w < 0)
+                w = float(metrics->horizontalAdvance(c));
+            sum += w + 1.0;
+        }
+        return int(std::ceil(sum));
+    };
+}
+
 // How long a load the user waits for runs before it shows its progress.
 constexpr int ProgressAfterMs = 500;
 // How often the window is served while a load runs beside it.
@@ -265,6 +296,7 @@ void VelmoraPrivate::initList(QSqlQuery *rs, bool keepOnFailure)
         return metrics.horizontalAdvance(text.toString());
     };
     plan.options.measure.maxCharWidth = metrics.maxWidth();
+    plan.options.measure.bound = advanceSum(list.window->table()->font());
     if (hasNewItemRow())
         plan.options.newItemRow
             = set.listNewItemText.isEmpty() ? DefaultNewItemText : set.listNewItemText;
@@ -482,7 +514,7 @@ bool VelmoraPrivate::addNewItem(const QString &line)
     const ListCellFormatter formatter = cellFormatter();
     const QFontMetrics metrics(list.window->table()->font());
     const TextMeasure measure {
-        [&metrics](QStringView t) { return metrics.horizontalAdvance(t.toString()); }, 0};
+        [&metrics](QStringView t) { return metrics.horizontalAdvance(t.toString()); }, 0, {}};
     QStringList cells;
     for (int c = 0; c <= last; ++c) {
         cells.append(runMode() ? formatter.format(pieces.at(c), c) : pieces.at(c));

@@ -193,7 +193,7 @@ public:
                 m_out.rows.setColumnCount(1);
             const QString text = *m_options.newItemRow;
             m_out.rows.prependRow({QStringView(text)});
-            fitColumn(m_out.columns, 0, text, {m_options.measure.width, 0});
+            fitColumn(m_out.columns, 0, text, {m_options.measure.width, 0, {}});
         }
     }
 
@@ -217,7 +217,7 @@ private:
         if (!m_measure || text.isEmpty())
             return;
         int &width = m_widths[size_t(c)];
-        if (m_maxChar > 0 && qint64(text.size()) * m_maxChar <= width)
+        if (!m_options.measure.mayPass(text, width))
             return; // cannot be wider than the column already is
         width = std::max(width, m_options.measure.width(text));
     }
@@ -366,7 +366,7 @@ void fitColumn(ListColumns &columns, int column, QStringView text, const TextMea
     if (!measure.width || text.isEmpty())
         return;
     const int length = columns.length(column);
-    if (measure.maxCharWidth > 0 && qint64(text.size()) * measure.maxCharWidth <= length)
+    if (!measure.mayPass(text, length))
         return;
     const int width = measure.width(text);
     if (width > length)

@@ -42,6 +42,17 @@ struct TextMeasure
     // No character (UTF-16 unit) is wider than this; a cell that cannot be wider than
     // its column is then not measured. 0: every cell is measured.
     int maxCharWidth = 0;
+    // A cheap width no smaller than the measured one (the sum of the characters' own
+    // widths, say); when set, a cell whose bound does not pass its column's width is not
+    // measured. Only the cells that may be the widest are then laid out.
+    std::function<int(QStringView)> bound;
+    // Whether a cell can be wider than `width`, before it is measured.
+    bool mayPass(QStringView text, int width) const
+    {
+        if (maxCharWidth > 0 && qint64(text.size()) * maxCharWidth <= width)
+            return false;
+        return !bound || bound(text) > width;
+    }
 };
 
 // A cell as the list shows it: trimmed of blanks and rendered by the display

@@ -55,7 +55,7 @@ struct Field
     {
         o.parsed = &pf;
         o.regional = rs;
-        o.measure = {width, 7};
+        o.measure = {width, 7, {}};
     }
     ColumnsReady ready()
     {
