@@ -71,4 +71,14 @@ QString twoDigits(int n)
     return QString::number(n).rightJustified(2, QLatin1Char('0'));
 }
 
+QStringView trimmedBlanks(QStringView text)
+{
+    qsizetype b = 0, e = text.size();
+    while (b < e && text.at(b) == u' ')
+        ++b;
+    while (e > b && text.at(e - 1) == u' ')
+        --e;
+    return text.sliced(b, e - b);
+}
+
 } // namespace velmora::detail

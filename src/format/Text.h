@@ -23,6 +23,8 @@ bool isWellFormed(QStringView text);
 
 // Plain blanks (U+0020) cut on the left and/or right; other white space stays.
 QString trimBlanks(const QString &text, bool left = true, bool right = true);
+// The text without the blanks (U+0020) on both sides, as a view of it.
+QStringView trimmedBlanks(QStringView text);
 
 // A number 0..99 with two digits ("05"); larger numbers keep all their digits.
 QString twoDigits(int n);

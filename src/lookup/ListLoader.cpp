@@ -21,16 +21,6 @@ namespace velmora::detail {
 
 namespace {
 
-QStringView trimmedBlanks(QStringView s)
-{
-    qsizetype b = 0, e = s.size();
-    while (b < e && s.at(b) == u' ')
-        ++b;
-    while (e > b && s.at(e - 1) == u' ')
-        --e;
-    return s.sliced(b, e - b);
-}
-
 // The query in a message: its first line, shortened.
 QString shownQuery(const QString &sql)
 {

@@ -1,4 +1,5 @@
 #include "ListRows.h"
+#include "format/Text.h"
 
 #include <algorithm>
 #include <limits>
@@ -8,17 +9,6 @@
 namespace velmora::detail {
 
 namespace {
-
-// The text a cell is compared by: blanks cut on both sides, then upper case.
-QStringView trimmedBlanks(QStringView s)
-{
-    qsizetype b = 0, e = s.size();
-    while (b < e && s.at(b) == u' ')
-        ++b;
-    while (e > b && s.at(e - 1) == u' ')
-        --e;
-    return s.sliced(b, e - b);
-}
 
 bool isAscii(QStringView s)
 {
