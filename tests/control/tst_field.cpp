@@ -18,14 +18,6 @@ class TestField : public QObject
     std::unique_ptr<QWidget> form;
     Velmora *field = nullptr;
 
-    static Setup valued(const Setup &setup, const QString &value)
-    {
-        return [=](Velmora *f) {
-            setup(f);
-            f->setValue(value);
-        };
-    }
-
 private Q_SLOTS:
     void init()
     {
@@ -48,8 +40,8 @@ private Q_SLOTS:
                   "SStraße", "SStraße", "", QVariant("SStraße"));
         rowPerSet("placeholders applied once", type(itAlfaNum, "@@@-@@@"), QVariant("123456"),
                   "123-456", "123-456", "123-456", "", QVariant("123-456"));
-        rowPerSet("the same text again", valued(type(itAlfaNum), "abc"), QVariant("abc"), "abc",
-                  "abc", "abc", "", QVariant("abc"));
+        rowPerSet("the same text again", type(itAlfaNum, {}, {set(&Velmora::setValue, "abc")}),
+                  QVariant("abc"), "abc", "abc", "abc", "", QVariant("abc"));
         rowPerSet("text cut at MaxLength", type(itAlfaNum, {}, {set(&Velmora::setMaxLength, 3)}),
                   QVariant(" abcdef"), "abc", "abc", "abc", "", QVariant("abc"));
         rowPerSet("false into a text", type(itAlfaNum), QVariant(false), "0", "0", "0", "",
@@ -108,16 +100,16 @@ private Q_SLOTS:
     {
         columns<bool, Setup, Setup, QString, QVariant, int>(
             {"design", "setup", "assign", "property", "stored", "error"});
-        const Setup date = valued(type(itDate), "24.12.2005");
+        const Setup date = type(itDate, {}, {set(&Velmora::setValue, "24.12.2005")});
         const Setup badDate = set(&Velmora::setFormatStr, "ddmmdd");
         row("run: date format", false, date, badDate, "FormatStr", QVariant("dd/mm/yyyy"), 5);
         row("design: date format", true, date, badDate, "FormatStr", QVariant("ddmmdd"), 0);
-        const Setup number
-            = valued(type(itNum, {}, {set(&Velmora::setFormatTisOddel, "x")}), "1234,5");
+        const Setup number = type(
+            itNum, {}, {set(&Velmora::setFormatTisOddel, "x"), set(&Velmora::setValue, "1234,5")});
         const Setup clash = set(&Velmora::setFormatDesOddel, "x");
         row("run: separator clash", false, number, clash, "FormatDesOddel", QVariant(""), 3);
         row("design: separator clash", true, number, clash, "FormatDesOddel", QVariant("x"), 0);
-        const Setup text = valued(type(itAlfaNum), "abc");
+        const Setup text = type(itAlfaNum, {}, {set(&Velmora::setValue, "abc")});
         row("run: type", false, text, set(&Velmora::setInputType, itNum), "InputType",
             QVariant::fromValue(itAlfaNum), 6);
         // The date type makes a field nullable also at design time.
