@@ -8,6 +8,7 @@
 #include <QtCore/QVariant>
 #include <QtWidgets/QWidget>
 
+#include <functional>
 #include <memory>
 
 class QSqlQuery;
@@ -28,9 +29,6 @@ class VelmoraPrivate;
 // Run mode and design mode: the field asks the nearest ancestor that carries the
 // dynamic property "UserMode" (a bool); without one it is in run mode. In design mode
 // assigning a format or a separator only stores it.
-//
-// Members marked "Pending" are declared so that hosts can be written against the
-// whole interface; they do nothing yet, as their comments say.
 class VELMORA_EXPORT Velmora : public QWidget
 {
     Q_OBJECT
@@ -95,8 +93,14 @@ class VELMORA_EXPORT Velmora : public QWidget
     Q_PROPERTY(bool ListOK READ ListOK)
 
 public:
+    // Raises Initialize before it returns: a host that wants to see it installs a
+    // creation hook, which every new field calls first, and connects there.
     explicit Velmora(QWidget *parent = nullptr);
+    // Releases the list, then raises Terminate.
     ~Velmora() override;
+    using CreationHook = std::function<void(Velmora *field)>;
+    // Installs the hook (an empty one removes it) and returns the one it replaces.
+    static CreationHook setCreationHook(CreationHook hook);
 
     // --- Value -----------------------------------------------------------------------
     // The value as text: a date in the regional short form, a number with the regional
@@ -190,29 +194,39 @@ public:
     void setError(qint16 number);
     // Shows a message of the host like a field message (tone, box titled Label, focus).
     void Msg(QString &sText);
-    // Pending: the exit check is not built yet; accepts every value and returns true.
-    bool DoValidate();
-    // Pending: the exit check is not built yet; returns 0 (accepted).
+    // The exit check: whether the value may be accepted. 0 accepted, 1 not a row of the
+    // list, 2 invalid number, 3 invalid date, 4 empty value not allowed. Fields that
+    // cannot be edited always pass.
     qint16 VystupniKontrola(const QString &sVal);
-    // Pending: the exit check is not built yet; does nothing.
+    // Reports a result of VystupniKontrola as the field's message (10 to 13).
     void VystupniKontrolaMsg(qint16 &nNumber, QString &sValue);
+    // Completes the typed entry, runs the exit check and reports a failure; then, when it
+    // passed or Messages is off, raises ValidateEx, whose Cancel has the last word. On
+    // failure the focus goes into the field. Runs by itself when the focus leaves the
+    // field for another widget of its window.
+    bool DoValidate();
 
-    // --- Group operations (pending: they do nothing yet) ------------------------------
-    // Pending: returns true without validating the group.
+    // --- Group operations ------------------------------------------------------------
+    // Each one walks the fields of this field's Group on its form, this one included, in
+    // the order they were created. The form is the nearest ancestor that is a window,
+    // carries the dynamic property "VelmoraForm" set to true, or is an instance of an
+    // application class (not one of Qt's own) without "VelmoraForm" set to false; so
+    // group boxes, tab pages and scroll areas are part of the form around them.
+    // DoValidate on every changeable member, stopping at the first that fails.
     bool DoValidateAll();
-    // Pending: returns an empty variant.
+    // VystupniKontrola on every member; stops at the first changeable member that
+    // fails, shows its message and returns false; else true.
     QVariant ControlAll();
-    // Pending: does nothing.
     void ClearAll();
-    // Pending: does nothing.
+    // Stores the text here and gives it to every member whose SQLConnect is empty.
     void ChangeConnectAll(QString &sConnect);
-    // Pending: does nothing.
+    // InitList on every member with SetList. All of them load; the first
+    // velmora::DatabaseError is thrown after the last one.
     void InitListAll();
-    // Pending: stored nowhere yet; group switches are not built.
+    // Sets CheckValues of every member; it cannot be read.
     void setFormCheckValues(bool on);
-    // Pending: reports this field's Changed only, not the group's.
+    // True as soon as one member reports Changed; the rest are not asked.
     bool FormChanged();
-    // Pending: sets this field's Changed only, not the group's.
     void setFormChanged(bool changed);
 
     // --- Lookup list -----------------------------------------------------------------

@@ -96,10 +96,7 @@ bool EditBoxEvents::eventFilter(QObject *watched, QEvent *event)
         return true;
     case QEvent::FocusOut: {
         passOn(event);
-        // A message box or a popup of the field is not leaving it.
-        const auto reason = static_cast<QFocusEvent *>(event)->reason();
-        if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason)
-            m_field.focusOut();
+        m_field.focusOut(static_cast<QFocusEvent *>(event)->reason());
         return true;
     }
     case QEvent::MouseButtonPress:
@@ -199,31 +196,6 @@ bool VelmoraPrivate::inputMethod(QInputMethodEvent *e)
     if (alive)
         typeCharacters(committed);
     return true;
-}
-
-void VelmoraPrivate::focusIn()
-{
-    if (set.displayMode == dmChangeable)
-        look.setHighlight(true);
-    val.lastValue = q->varValue();
-    apply(engine.enterField(editSettings(), viewState(), val.text), Origin::Shown);
-}
-
-void VelmoraPrivate::focusOut()
-{
-    if (!q->isVisible())
-        return;
-    const Completion c
-        = completeEntry(txtInput->text(), valueSettings(), Platform::instance().today());
-    if (c.shown && !writeText(*c.shown, c.stored.value_or(val.text), Origin::Shown))
-        return;
-    if (!valueChangedCheck())
-        return;
-    if (!val.changed)
-        changedGet();
-    if (set.displayMode == dmChangeable)
-        look.setHighlight(false);
-    lblVis->setText(txtInput->text());
 }
 
 bool VelmoraPrivate::mouse(QMouseEvent *e)

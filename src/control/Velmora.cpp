@@ -11,12 +11,31 @@
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QToolButton>
 
+#include <utility>
+
 namespace velmora {
 
 using namespace detail;
 
+namespace {
+
+Velmora::CreationHook &creationHook()
+{
+    static Velmora::CreationHook hook;
+    return hook;
+}
+
+} // namespace
+
+Velmora::CreationHook Velmora::setCreationHook(CreationHook hook)
+{
+    return std::exchange(creationHook(), std::move(hook));
+}
+
 Velmora::Velmora(QWidget *parent) : QWidget(parent), d(std::make_unique<VelmoraPrivate>(this))
 {
+    if (const CreationHook &hook = creationHook())
+        hook(this);
     Q_EMIT Initialize();
     QObject::connect(d->cmdList, &QToolButton::clicked, this, [this] {
         QPointer<Velmora> alive(this);
@@ -39,6 +58,11 @@ Velmora::Velmora(QWidget *parent) : QWidget(parent), d(std::make_unique<VelmoraP
 
 Velmora::~Velmora()
 {
+    // The list is released before Terminate, so that a handler of it finds none.
+    delete d->list.window;
+    d->list.model = nullptr;
+    d->list.rows.clear();
+    d->list.columns = {};
     Q_EMIT Terminate();
 }
 
@@ -387,46 +411,6 @@ void Velmora::Msg(QString &sText)
         setFocus();
 }
 
-bool Velmora::DoValidate()
-{
-    return true;
-}
-
-qint16 Velmora::VystupniKontrola(const QString &)
-{
-    return 0;
-}
-
-void Velmora::VystupniKontrolaMsg(qint16 &, QString &) { }
-
-bool Velmora::DoValidateAll()
-{
-    return true;
-}
-
-QVariant Velmora::ControlAll()
-{
-    return QVariant();
-}
-
-void Velmora::ClearAll() { }
-
-void Velmora::ChangeConnectAll(QString &) { }
-
-void Velmora::InitListAll() { }
-
-void Velmora::setFormCheckValues(bool) { }
-
-bool Velmora::FormChanged()
-{
-    return Changed();
-}
-
-void Velmora::setFormChanged(bool changed)
-{
-    setChanged(changed);
-}
-
 // --- lookup list ---------------------------------------------------------------------
 
 quint32 Velmora::ListBackColor() const
@@ -558,6 +542,7 @@ void Velmora::resizeEvent(QResizeEvent *event)
 void Velmora::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
+    d->createShortcutButtons();
     Q_EMIT Show();
 }
 

@@ -19,8 +19,18 @@ namespace velmora {
 
 using namespace detail;
 
+namespace {
+
+quint64 nextSerial()
+{
+    static quint64 created = 0; // fields live on the GUI thread only
+    return ++created;
+}
+
+} // namespace
+
 VelmoraPrivate::VelmoraPrivate(Velmora *field)
-    : q(field), txtInput(new QLineEdit(field)), events(*this)
+    : q(field), serial(nextSerial()), txtInput(new QLineEdit(field)), events(*this)
 {
     txtInput->setObjectName(QStringLiteral("txtInput"));
     txtInput->setFrame(false);

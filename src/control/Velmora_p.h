@@ -6,14 +6,16 @@
 // change of the edit box's text goes through writeText(), the one exit of an edit.
 // The lookup list (FieldList.h: its rows, columns and window) is one more owner; a row
 // chosen in its window reaches the edit box through the same exit. The focus lifecycle
-// (the exit check on leaving) is to be an owner of its own beside these.
+// (FieldFocus.h: entering, the exit check on leaving, the shortcut buttons) is another.
 
 #include "Appearance.h"
 #include "EditBoxEvents.h"
+#include "FieldFocus.h"
 #include "FieldList.h"
 #include "FieldState.h"
 #include "editing/KeyEngine.h"
 #include "format/ValueAssignment.h"
+#include "validation/ExitCheck.h"
 
 #include <velmora/Velmora.h>
 
@@ -34,6 +36,8 @@ public:
     ~VelmoraPrivate() override;
 
     Velmora *const q;
+    const quint64 serial; // the order of creation, which the group operations follow
+    static VelmoraPrivate *get(const Velmora *field) { return field->d.get(); }
     QLineEdit *const txtInput;
     QLabel *lblVis = nullptr;
     QToolButton *cmdList = nullptr;
@@ -44,6 +48,7 @@ public:
     detail::KeyEngine engine {*this};
     detail::EditBoxEvents events;
     detail::FieldList list;
+    detail::FieldFocus focus;
 
     bool runMode() const;
     detail::ValueFormat fieldFormat() const;
@@ -85,7 +90,7 @@ public:
     void keyReleased(QKeyEvent *event);
     bool inputMethod(QInputMethodEvent *event);
     void focusIn();
-    void focusOut();
+    void focusOut(Qt::FocusReason reason);
     bool mouse(QMouseEvent *event);
     bool doubleClick();
     void contextMenu(const QPoint &pos);
@@ -97,6 +102,16 @@ public:
     void setInsertToggled(bool on) override;
     QString clipboardText() const override;
     void setClipboardText(const QString &text) override;
+
+    // Entering and leaving (FieldFocus.cpp). leave() runs queued after the focus went
+    // to another widget of the window: the exit check, then the steps of leaving.
+    void leave();
+    void exitFocus();
+    bool doValidate();
+    detail::ExitCheckInput exitCheckInput() const;
+    bool reportExit(int result, const QString &value);
+    void createShortcutButtons();
+    void shortcutPressed();
 
     void sendTab();
     void sendShiftTab();

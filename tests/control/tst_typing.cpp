@@ -158,7 +158,8 @@ private Q_SLOTS:
         QObject context;
         connect(t->field, &Velmora::Change, &context, [&] { seen << t->field->Value(); });
         test::keys(VFETCH(QString, key)).simulate(t->box());
-        QApplication::processEvents(); // queued focus moves
+        QApplication::processEvents(); // queued focus moves, then the queued leave
+        QApplication::processEvents();
         QCOMPARE(seen.size(), VFETCH(int, changes));
         if (seen.isEmpty())
             QCOMPARE(t->field->FormValue(), shown);
@@ -265,6 +266,7 @@ private Q_SLOTS:
         QTest::keyClicks(t->box(), u"0102"_s);
         QSignalSpy changed(t->field, &Velmora::ValueChanged);
         t->after->setFocus();
+        QApplication::processEvents(); // leaving is checked once the move is done
         QCOMPARE(base(), QColor(Qt::red));
         QCOMPARE(t->field->varValue(), QVariant(QDate(2026, 2, 1)));
         QCOMPARE(changed.size(), 1);
