@@ -94,11 +94,10 @@ bool EditBoxEvents::eventFilter(QObject *watched, QEvent *event)
         passOn(event);
         m_field.focusIn();
         return true;
-    case QEvent::FocusOut: {
+    case QEvent::FocusOut:
+        m_field.focusOut(static_cast<QFocusEvent *>(event)->reason()); // sees the caret first
         passOn(event);
-        m_field.focusOut(static_cast<QFocusEvent *>(event)->reason());
         return true;
-    }
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonRelease:
     case QEvent::MouseMove:

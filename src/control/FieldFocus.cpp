@@ -66,6 +66,7 @@ void VelmoraPrivate::focusOut(Qt::FocusReason reason)
     if (!focus.entered || focus.leaving)
         return;
     focus.leaving = true;
+    focus.leftAt = viewState();
     QMetaObject::invokeMethod(
         q, [this] { leave(); }, Qt::QueuedConnection);
 }
@@ -85,12 +86,18 @@ void VelmoraPrivate::leave()
         if (!alive)
             return;
         if (!passed) {
-            // The field is still being edited: a number is made ready for it again.
-            if (set.inputType == itNum
-                && !apply(engine.enterField(editSettings(), viewState(), val.text), Origin::Shown))
-                return;
             if (!txtInput->hasFocus() && q->isVisible())
                 txtInput->setFocus(Qt::OtherFocusReason);
+            // The field is still being edited: a number is made ready for it again, any
+            // other text gets its caret back (at the start when completion rewrote it).
+            if (set.inputType == itNum)
+                apply(engine.enterField(editSettings(), viewState(), val.text), Origin::Shown);
+            else if (txtInput->text() != focus.leftAt.text)
+                txtInput->setCursorPosition(0);
+            else if (focus.leftAt.selLength > 0)
+                txtInput->setSelection(focus.leftAt.selStart, focus.leftAt.selLength);
+            else
+                txtInput->setCursorPosition(focus.leftAt.selStart);
             return;
         }
     }

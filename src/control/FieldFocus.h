@@ -10,6 +10,8 @@
 // leave passes the check, so the focus coming back, a message box, the field's own list
 // window or another application in between are no new entry and no leaving.
 
+#include "editing/EditBox.h"
+
 #include <QtCore/QList>
 #include <QtCore/QString>
 
@@ -23,6 +25,7 @@ struct FieldFocus
     bool entered = false; // entered and not yet left
     bool leaving = false; // a leave is queued or being checked
     QString exitText; // the stored text when the field was last left
+    EditState leftAt; // the box when the focus went, given back after a refused leave
     QList<QAbstractButton *> shortcutButtons; // created when the field is first shown
 };
 

@@ -42,8 +42,10 @@ public:
         return QDateTime(fixedToday, QTime(10, 0)).addSecs(60 * minutesLater);
     }
     RegionalSettings regionalSettings() const override { return regional; }
+    bool isNtFamily() const override { return ntFamily; }
 
     RegionalSettings regional;
+    bool ntFamily = true;
     QDate fixedToday {2026, 5, 17};
     int minutesLater = 0; // the clock moved on since 10:00
     QList<QPair<int, int>> beeps;
