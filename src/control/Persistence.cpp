@@ -164,17 +164,23 @@ void Velmora::ReadProperties(PropertyBag &PropBag)
 
     {
         FieldFont buttonFont(d->cmdList->font());
-        look.textFont()->copyFrom(k.font("Font", buttonFont));
-        look.listFont()->copyFrom(k.font("ListFont", buttonFont));
+        look.takeTextFont(k.font("Font", buttonFont));
+        look.takeListFont(k.font("ListFont", buttonFont));
     }
 
+    const quint32 shownBack = look.backColor, shownFore = look.foreColor;
+    const quint32 listBack = s.listBackColor, listFore = s.listForeColor;
     look.backColor = k.colour("BackColor", WindowColor);
     look.oriBC = k.colour("OriBC", WindowColor);
     s.listBackColor = k.colour("ListBackColor", WindowColor);
     look.foreColor = k.colour("ForeColor", WindowTextColor);
-    look.applyColors(); // the label takes the edit box's fore colour
+    // The label takes the edit box's fore colour. Palettes are costly: only a change
+    // is applied.
+    if (look.backColor != shownBack || look.foreColor != shownFore)
+        look.applyColors();
     s.listForeColor = k.colour("ListForeColor", WindowTextColor);
-    d->applyListLook();
+    if (s.listBackColor != listBack || s.listForeColor != listFore)
+        d->applyListLook();
 
     s.label = k.text("Label");
     s.messages = k.boolean("Messages", true);
@@ -208,7 +214,8 @@ void Velmora::ReadProperties(PropertyBag &PropBag)
     // No value is loaded: the field shows its empty mask.
     FieldValue &v = d->val;
     const QString empty = s.inputType == itDate ? s.parsed.emptyDateText : QString();
-    d->txtInput->setText(empty);
+    if (d->txtInput->text() != empty)
+        d->txtInput->setText(empty);
     v.text = empty;
     ++v.generation;
     v.number.reset();
