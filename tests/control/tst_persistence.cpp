@@ -254,6 +254,23 @@ private Q_SLOTS:
         QFETCH(QString, property);
         QTEST(a->property(property.toLatin1()), "expected");
     }
+
+    // The first of two fields named alike owns the name; an unnamed field is only counted.
+    void duplicateNames()
+    {
+        Velmora *first = newField(QStringLiteral("a")), *second = newField(QStringLiteral("a"));
+        newField();
+        first->setLabel(QStringLiteral("one"));
+        FormSettingsReport saving;
+        const QJsonDocument doc = saveFormSettings(form.get(), &saving);
+        QCOMPARE(saving.duplicates, QStringList {"a"});
+        QCOMPARE(saving.unnamed, 1);
+        first->setLabel({});
+        const FormSettingsReport r = loadFormSettings(form.get(), doc);
+        QCOMPARE(r.loaded, QStringList {"a"});
+        QCOMPARE(first->Label(), QStringLiteral("one"));
+        QCOMPARE(second->Label(), QString());
+    }
 };
 
 VELMORA_TEST(TestPersistence)
