@@ -6,7 +6,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 BUILD=${1:-build-fuzz}
 SECONDS_TO_RUN=${FUZZ_SECONDS:-60}
-TARGETS=${FUZZ_TARGETS:-fuzz_keys fuzz_numbers fuzz_dates fuzz_patterns fuzz_formats fuzz_lists}
+TARGETS=${FUZZ_TARGETS:-fuzz_keys fuzz_numbers fuzz_dates fuzz_patterns fuzz_formats fuzz_lists fuzz_settings}
 cmake -S . -B "$BUILD" -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
       -DVELMORA_BUILD_FUZZ=ON -DVELMORA_BUILD_TESTS=OFF >/dev/null
 # shellcheck disable=SC2086 # one word per target

@@ -3,6 +3,7 @@
 #include <velmora/DatabaseError.h>
 #include <velmora/FieldFont.h>
 #include <velmora/Global.h>
+#include <velmora/PropertyBag.h>
 #include <velmora/Types.h>
 
 #include <QtCore/QVariant>
@@ -298,6 +299,17 @@ public:
     void setListForeColor(quint32 color);
     // The field's own window handle, truncated to 32 bits (0 before it has one).
     qint32 hwnd() const;
+
+    // --- Persistence -----------------------------------------------------------------
+    // A field placed new on a form: the settings a new field starts with. A field is
+    // already in this state when constructed.
+    Q_INVOKABLE void InitProperties();
+    // Loads the saved settings: members are written directly, so no PropertyChanged is
+    // raised and no setter's follow-up runs; a missing key gives its default. The field
+    // ends empty (its empty mask shown) with Changed false.
+    void ReadProperties(velmora::PropertyBag &PropBag);
+    // Saves the settings; a value equal to its key's default is left out by the bag.
+    void WriteProperties(velmora::PropertyBag &PropBag);
 
     QSize sizeHint() const override;
 

@@ -102,6 +102,22 @@ void Appearance::followListFont(FieldFont *font)
     });
 }
 
+void Appearance::takeTextFont(const FieldFont &from)
+{
+    QObject::disconnect(m_textConnection);
+    textFont()->copyFrom(from);
+    followTextFont(m_textFont);
+}
+
+void Appearance::takeListFont(const FieldFont &from)
+{
+    QObject::disconnect(m_listConnection);
+    listFont()->copyFrom(from);
+    followListFont(m_listFont);
+    if (listFontChanged)
+        listFontChanged();
+}
+
 void Appearance::layout(bool withListButton)
 {
     const QRect r = m_field->rect();

@@ -43,6 +43,10 @@ public:
     FieldFont *listFont() { return m_listFont ? m_listFont.data() : &m_ownListFont; }
     void followTextFont(FieldFont *font);
     void followListFont(FieldFont *font);
+    // Copies the attributes into the font object the field follows, whose other
+    // followers hear each attribute, and applies them to the field's controls once.
+    void takeTextFont(const FieldFont &from);
+    void takeListFont(const FieldFont &from);
 
     static QColor toQColor(quint32 color, QPalette::ColorRole systemRole);
     // Called after the list font changed (another object, or an attribute of it).

@@ -1,0 +1,277 @@
+// Saved settings: every key through both bags and back, the keys whose loading differs
+// from a new field, and damaged documents loaded into a form of fields.
+
+#include "common/TestForm.h"
+#include "common/TestRegistry.h"
+
+#include <velmora/FormSettings.h>
+
+#include <QtCore/QJsonObject>
+#include <QtCore/QSettings>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QSignalSpy>
+#include <QtWidgets/QToolButton>
+
+using namespace velmora;
+using namespace velmora::test;
+
+namespace {
+
+// The public properties that carry the saved keys (OriBC shows in the saved set only).
+const char *const Keys[]
+    = {"ListNewItemText", "ListAddNewItem", "CheckValues",   "Nullable",      "InsMode",
+       "ListCheckValue",  "Alignment",      "InputType",     "EnterAction",   "ArrowAction",
+       "AutoTab",         "MaxLength",      "ControlLength", "SetList",       "SQLList",
+       "SQLConnect",      "Group",          "EnableEmpty",   "SpecialEffect", "MatchCol",
+       "HideCol",         "ValueCol",       "TextCol",       "Crrr",          "Label",
+       "Messages",        "AlfaNumTrim",    "RefreshInt",    "SelectText",    "FormatDesOddel",
+       "FormatTisOddel",  "FormatDatOddel", "BackColor",     "ListBackColor", "ForeColor",
+       "ListForeColor",   "DisplayMode",    "FormatStr",     "VisibleByLbl",  "ListFormatString"};
+
+void setAll(Velmora *f)
+{
+    f->setInputType(itNum);
+    const QList<QPair<const char *, QVariant>> values {
+        {"ListNewItemText", "nová"},
+        {"ListAddNewItem", true},
+        {"CheckValues", false},
+        {"Nullable", true},
+        {"InsMode", true},
+        {"ListCheckValue", false},
+        {"Alignment", QVariant::fromValue(vbRightJustify)},
+        {"EnterAction", QVariant::fromValue(eaClearRest)},
+        {"ArrowAction", QVariant::fromValue(aaAllTab)},
+        {"AutoTab", true},
+        {"MaxLength", QVariant::fromValue(qint16(12))},
+        {"ControlLength", QVariant::fromValue(clBoth)},
+        {"SetList", true},
+        {"SQLList", "select a, b from t"},
+        {"SQLConnect", "DSN=x;UID=y"},
+        {"ListFormatString", "A10;N5"},
+        {"Group", QVariant::fromValue(qint16(-3))},
+        {"EnableEmpty", false},
+        {"SpecialEffect", QVariant::fromValue(fmSpecialEffectBump)},
+        {"MatchCol", QVariant::fromValue(qint16(2))},
+        {"HideCol", "1,2"},
+        {"ValueCol", QVariant::fromValue(qint16(1))},
+        {"TextCol", QVariant::fromValue(qint16(2))},
+        {"Crrr", false},
+        {"Label", "Cena"},
+        {"Messages", false},
+        {"AlfaNumTrim", QVariant::fromValue(atNone)},
+        {"RefreshInt", QVariant::fromValue(qint16(30))},
+        {"SelectText", false},
+        {"FormatDesOddel", "x"},
+        {"FormatTisOddel", "'"},
+        {"FormatDatOddel", "-"},
+        {"BackColor", 0x00112233u},
+        {"ListBackColor", 0x80000012u},
+        {"ForeColor", 0x00778899u},
+        {"ListForeColor", 0x00AABBCCu},
+        {"DisplayMode", QVariant::fromValue(dmVisible)},
+        {"FormatStr", "#,##0.00"},
+        {"VisibleByLbl", false}};
+    for (const auto &[name, value] : values)
+        QVERIFY2(f->setProperty(name, value), name);
+    FieldFont *font = f->Font();
+    font->setName(QStringLiteral("Serif"));
+    font->setSize(13.5);
+    font->setWeight(600);
+    font->setItalic(true);
+    font->setCharset(161);
+    f->ListFont()->setUnderline(true);
+    f->ListFont()->setStrikethrough(true);
+}
+
+QVariantMap fontOf(const FieldFont *f)
+{
+    QVariantMap m;
+    for (const char *a :
+         {"Name", "Size", "Bold", "Italic", "Underline", "Strikethrough", "Weight", "Charset"})
+        m.insert(QString::fromLatin1(a), f->property(a));
+    return m;
+}
+
+QJsonObject saved(Velmora *f)
+{
+    JsonPropertyBag bag;
+    f->WriteProperties(bag);
+    return bag.object();
+}
+
+} // namespace
+
+class TestPersistence : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<TestPlatform> platform;
+    std::unique_ptr<QWidget> form;
+
+    Velmora *newField(const QString &name = {})
+    {
+        auto *f = new Velmora(form.get());
+        f->setObjectName(name);
+        return f;
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        platform = std::make_unique<TestPlatform>(czechSpace());
+        form = std::make_unique<QWidget>();
+        form->setProperty("UserMode", false); // setters only store
+    }
+    void cleanup()
+    {
+        form.reset();
+        platform.reset();
+    }
+
+    // Every key saved with a value no new field has comes back, and saves the same again;
+    // loading tells the host nothing.
+    void roundTrip_data()
+    {
+        columns<bool>({"ini"});
+        row("json", false);
+        row("settings", true);
+    }
+    void roundTrip()
+    {
+        QFETCH(bool, ini);
+        Velmora *source = newField(), *fresh = newField(), *loaded = newField();
+        setAll(source);
+        QTemporaryDir dir;
+        QSettings settings(dir.filePath(QStringLiteral("form.ini")), QSettings::IniFormat);
+        QSignalSpy told(loaded, &Velmora::PropertyChanged), changed(loaded, &Velmora::Change);
+        if (ini) {
+            SettingsPropertyBag out(settings, QStringLiteral("forms/f1"));
+            source->WriteProperties(out);
+            settings.sync();
+            QSettings again(settings.fileName(), QSettings::IniFormat); // values come back as text
+            SettingsPropertyBag in(again, QStringLiteral("forms/f1"));
+            loaded->ReadProperties(in);
+            QCOMPARE(in.ignored(), QStringList());
+        } else {
+            JsonPropertyBag in(saved(source));
+            loaded->ReadProperties(in);
+            QCOMPARE(in.ignored(), QStringList());
+        }
+        QCOMPARE(told.size() + changed.size(), 0);
+        for (const char *key : Keys) {
+            QVERIFY2(source->property(key) != fresh->property(key) || !qstrcmp(key, "VisibleByLbl"),
+                     key);
+            QVERIFY2(loaded->property(key) == source->property(key), key);
+        }
+        QCOMPARE(fontOf(loaded->Font()), fontOf(source->Font()));
+        QCOMPARE(fontOf(loaded->ListFont()), fontOf(source->ListFont()));
+        QCOMPARE(saved(loaded), saved(source));
+        QCOMPARE(saved(loaded).size(), 42); // all but VisibleByLbl, which is at its default
+        QVERIFY(!loaded->Changed());
+    }
+
+    // Keys whose loading differs from what a new field starts with, or from what was
+    // stored. "new" stands for the saved set of a new, unchanged field.
+    void loading_data()
+    {
+        columns<QByteArray, QString, QVariant>({"stored", "property", "expected"});
+        row("new field keeps VisibleByLbl", QByteArray("new"), "VisibleByLbl", QVariant(true));
+        row("no VisibleByLbl", QByteArray("{}"), "VisibleByLbl", QVariant(false));
+        row("blanks around FormatStr", QByteArray(R"({"InputType":78,"FormatStr":"  0.00  "})"),
+            "FormatStr", QVariant("0.00"));
+        row("two-character separator", QByteArray(R"({"FormatDesOddel":"xy"})"), "FormatDesOddel",
+            QVariant("x"));
+        row("no Font", QByteArray("{}"), "Font", QVariant());
+        row("no ListFont", QByteArray(R"({"Font":{"Name":"Serif"}})"), "ListFont", QVariant());
+        row("date shows its empty mask", QByteArray(R"({"InputType":68})"), "FormValue",
+            QVariant("  .  .    "));
+        row("unknown type parses nothing", QByteArray(R"({"InputType":7,"FormatStr":"dd/mm"})"),
+            "FormValue", QVariant(""));
+        row("OriBC of its own", QByteArray(R"({"OriBC":255})"), "BackColor", QVariant(0x80000005u));
+    }
+    void loading()
+    {
+        QFETCH(QByteArray, stored);
+        QFETCH(QString, property);
+        Velmora *f = newField();
+        const QJsonObject set
+            = stored == "new" ? saved(newField()) : QJsonDocument::fromJson(stored).object();
+        JsonPropertyBag bag(set);
+        f->ReadProperties(bag);
+        QCOMPARE(bag.ignored(), QStringList());
+        if (property.contains(QLatin1String("Font"))) {
+            // No font saved: the list button's font.
+            const QFont button = f->findChild<QToolButton *>(QStringLiteral("cmdList"))->font();
+            const FieldFont *font = f->property(property.toLatin1()).value<FieldFont *>();
+            QCOMPARE(font->Name(), button.family());
+            QCOMPARE(font->Size(), button.pointSizeF());
+        } else {
+            QTEST(f->property(property.toLatin1()), "expected");
+        }
+        QCOMPARE(saved(f).value(QStringLiteral("OriBC")).toDouble(), set.value("OriBC").toDouble());
+    }
+
+    // A damaged document loads what it can: the form holds fields a, b and c set up alike.
+    void damaged_data()
+    {
+        columns<QByteArray, QStringList, QStringList, int, QString, QVariant>(
+            {"json", "loaded", "withoutEntry", "ignoredA", "property", "expected"});
+        const QByteArray huge = QByteArray(100000, 'x');
+        row("invalid JSON", QByteArray(R"({"a":{"Label":"z"})"), QStringList(), QStringList(), 0,
+            "Label", QVariant("Cena"));
+        row("not an object", QByteArray("[1,2]"), QStringList(), QStringList(), 0, "Label",
+            QVariant("Cena"));
+        row("wrong types",
+            QByteArray(R"({"a":{"Nullable":"yes","Group":40000,"MaxLength":2.5,"Label":{"x":1},)"
+                       R"("BackColor":"red","Font":[1],"InputType":true},"b":{},"c":{}})"),
+            QStringList {"a", "b", "c"}, QStringList(), 7, "Group", QVariant::fromValue(qint16(0)));
+        row("unknown type code", QByteArray(R"({"a":{"InputType":7},"b":{},"c":{}})"),
+            QStringList {"a", "b", "c"}, QStringList(), 0, "InputType",
+            QVariant::fromValue(InpType(7)));
+        row("huge text", R"({"a":{"Label":")" + huge + R"("},"b":{},"c":{}})",
+            QStringList {"a", "b", "c"}, QStringList(), 1, "Label", QVariant(QString(32767, 'x')));
+        row("missing keys and fields", QByteArray(R"({"a":{},"zz":{"Label":"q"}})"),
+            QStringList {"a"}, QStringList {"b", "c"}, 0, "Label", QVariant(""));
+        row("entry not an object", QByteArray(R"({"a":5,"b":{},"c":{}})"), QStringList {"b", "c"},
+            QStringList(), 1, "Label", QVariant("Cena"));
+    }
+    void damaged()
+    {
+        QFETCH(QByteArray, json);
+        QFETCH(QStringList, loaded);
+        for (const char *name : {"a", "b", "c"}) {
+            Velmora *f = newField(QString::fromLatin1(name));
+            f->setLabel(QStringLiteral("Cena"));
+        }
+        const FormSettingsReport r = loadFormSettings(form.get(), json);
+        QCOMPARE(r.ok(), !loaded.isEmpty());
+        QCOMPARE(r.loaded, loaded);
+        QTEST(r.withoutEntry, "withoutEntry");
+        QCOMPARE(r.withoutField,
+                 QStringList(json.contains("zz") ? QStringList {"zz"} : QStringList()));
+        QTEST(int(r.ignored.value(QStringLiteral("a")).size()), "ignoredA");
+        Velmora *a = form->findChild<Velmora *>(QStringLiteral("a"));
+        QFETCH(QString, property);
+        QTEST(a->property(property.toLatin1()), "expected");
+    }
+
+    // The first of two fields named alike owns the name; an unnamed field is only counted.
+    void duplicateNames()
+    {
+        Velmora *first = newField(QStringLiteral("a")), *second = newField(QStringLiteral("a"));
+        newField();
+        first->setLabel(QStringLiteral("one"));
+        FormSettingsReport saving;
+        const QJsonDocument doc = saveFormSettings(form.get(), &saving);
+        QCOMPARE(saving.duplicates, QStringList {"a"});
+        QCOMPARE(saving.unnamed, 1);
+        first->setLabel({});
+        const FormSettingsReport r = loadFormSettings(form.get(), doc);
+        QCOMPARE(r.loaded, QStringList {"a"});
+        QCOMPARE(first->Label(), QStringLiteral("one"));
+        QCOMPARE(second->Label(), QString());
+    }
+};
+
+VELMORA_TEST(TestPersistence)
+#include "tst_persistence.moc"
