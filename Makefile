@@ -27,6 +27,8 @@ bench: deps
 	cmake -S . -B $(BUILD)-bench $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DVELMORA_BUILD_TESTS=OFF -DVELMORA_BUILD_BENCH=ON
 	cmake --build $(BUILD)-bench -j $(JOBS)
 	QT_QPA_PLATFORM=offscreen $(BUILD)-bench/bench/bench_keys
+	QT_QPA_PLATFORM=offscreen $(BUILD)-bench/bench/bench_validate
+	QT_QPA_PLATFORM=offscreen $(BUILD)-bench/bench/bench_settings
 
 fuzz: deps
 	@bash scripts/run-fuzz.sh $(FUZZ_BUILD)
