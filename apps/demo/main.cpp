@@ -1,20 +1,28 @@
 // velmora-demo: a small form with one field of each input type, filled through Value,
 // and a customer chosen from a lookup list loaded from the demo's SQLite database
-// (created on the first run next to the program). With a display it opens the form;
-// offscreen it writes a PNG of the form and prints what each field holds.
+// (created on the first run next to the program). Save validates the form with
+// DoValidateAll; closing with unsaved changes asks first; the fields' settings live in
+// a JSON file beside the database, written on the first run and loaded on the next ones.
+// With a display it opens the form; offscreen it writes a PNG of the form, validates it
+// once as it stands and once with the amount emptied, and prints what it did.
 
+#include <velmora/FormSettings.h>
 #include <velmora/Platform.h>
 #include <velmora/Velmora.h>
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QDir>
+#include <QtCore/QFile>
 #include <QtCore/QTextStream>
+#include <QtGui/QCloseEvent>
 #include <QtSql/QSqlDatabase>
 #include <QtSql/QSqlError>
 #include <QtSql/QSqlQuery>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QFormLayout>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPushButton>
 #include <QtWidgets/QVBoxLayout>
 
 #include <cstdio>
@@ -30,6 +38,14 @@ public:
     velmora::RegionalSettings regionalSettings() const override
     {
         return velmora::RegionalSettings::czech();
+    }
+    // Offscreen nobody can close a message box: the message is printed instead.
+    void messageBox(const QString &text, const QString &title, QWidget *owner) override
+    {
+        if (QGuiApplication::platformName() != QLatin1String("offscreen"))
+            return velmora::Platform::messageBox(text, title, owner);
+        std::printf("Message box \"%s\": %s\n", qPrintable(title), qPrintable(text));
+        std::fflush(stdout);
     }
 };
 
@@ -109,6 +125,55 @@ Velmora *addCustomer(QFormLayout *form, const QString &database)
     return field;
 }
 
+// The order form: asks before it closes with changes that were not saved.
+class OrderForm : public QWidget
+{
+public:
+    Velmora *anyField = nullptr;
+
+protected:
+    void closeEvent(QCloseEvent *event) override
+    {
+        if (anyField && anyField->FormChanged()
+            && QMessageBox::question(this, windowTitle(),
+                                     QStringLiteral("Formulář obsahuje neuložené změny. Zavřít?"))
+                != QMessageBox::Yes) {
+            event->ignore();
+            return;
+        }
+        event->accept();
+    }
+};
+
+// Saves the fields' settings on the first run, loads them on the next ones.
+void keepSettings(QWidget *form, QTextStream &out)
+{
+    QFile file(QDir(QCoreApplication::applicationDirPath())
+                   .filePath(QStringLiteral("velmora-demo-form.json")));
+    if (file.open(QIODevice::ReadOnly)) {
+        const velmora::FormSettingsReport report = velmora::loadFormSettings(form, file.readAll());
+        out << "Field settings loaded from " << file.fileName() << ": " << report.loaded.size()
+            << " fields"
+            << (report.ok() ? QString() : QStringLiteral(" (") + report.parseError + u')') << "\n";
+        return;
+    }
+    if (file.open(QIODevice::WriteOnly))
+        file.write(velmora::saveFormSettings(form).toJson());
+    out << "Field settings written to " << file.fileName() << "\n";
+}
+
+// Save: the whole form must pass its exit checks; then the changes count as saved.
+bool save(Velmora *anyField, QTextStream &out)
+{
+    const bool valid = anyField->DoValidateAll();
+    if (valid)
+        anyField->setFormChanged(false);
+    out << "Save: " << (valid ? "the form is valid, saved" : "refused, the form is not valid")
+        << "\n";
+    out.flush();
+    return valid;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -126,7 +191,7 @@ int main(int argc, char **argv)
     cli.addOption(png);
     cli.process(app);
 
-    QWidget window;
+    OrderForm window;
     window.setWindowTitle(QStringLiteral("Velmora – ukázkový formulář"));
     auto *layout = new QVBoxLayout(&window);
     auto *title = new QLabel(QStringLiteral("<b>Objednávka</b>"));
@@ -145,9 +210,23 @@ int main(int argc, char **argv)
         addField(form, QStringLiteral("Zaplaceno"), velmora::itBool, QStringLiteral("ANO;NE;A"),
                  QStringLiteral("A")),
     };
+    QTextStream out(stdout);
+    auto *saveButton = new QPushButton(QStringLiteral("&Uložit"));
+    layout->addWidget(saveButton);
+    window.anyField = fields.first();
+    QObject::connect(saveButton, &QPushButton::clicked, [&] { save(fields.first(), out); });
     window.resize(420, window.sizeHint().height());
 
-    QTextStream out(stdout);
+    // The settings are the form's own; the values are this order's.
+    QStringList values;
+    for (Velmora *f : fields)
+        values << f->Value();
+    keepSettings(&window, out);
+    fields.first()->InitListAll();
+    for (qsizetype i = 0; i < fields.size(); ++i)
+        fields[i]->setValue(values[i]);
+    fields.first()->setFormChanged(false);
+
     for (Velmora *f : fields) {
         out << f->objectName() << ": Value=\"" << f->Value() << "\" FormValue=\"" << f->FormValue()
             << "\" SQLValue=\"" << f->SQLValue() << "\"\n";
@@ -163,7 +242,13 @@ int main(int argc, char **argv)
             return 1;
         }
         out << "Form written to " << file << "\n";
-        return 0;
+        // A valid form saves; with the amount emptied it does not (amounts are required).
+        const bool first = save(fields.first(), out);
+        fields[2]->setEnableEmpty(false);
+        fields[2]->setValue(QString());
+        const bool second = save(fields.first(), out);
+        out << "Error of the amount: " << fields[2]->Error() << "\n";
+        return first && !second ? 0 : 1;
     }
     window.show();
     return app.exec();
