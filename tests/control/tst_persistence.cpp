@@ -17,21 +17,12 @@ using namespace velmora::test;
 
 namespace {
 
-// The public properties that carry the saved keys (OriBC shows in the saved set only).
-const char *const Keys[]
-    = {"ListNewItemText", "ListAddNewItem", "CheckValues",   "Nullable",      "InsMode",
-       "ListCheckValue",  "Alignment",      "InputType",     "EnterAction",   "ArrowAction",
-       "AutoTab",         "MaxLength",      "ControlLength", "SetList",       "SQLList",
-       "SQLConnect",      "Group",          "EnableEmpty",   "SpecialEffect", "MatchCol",
-       "HideCol",         "ValueCol",       "TextCol",       "Crrr",          "Label",
-       "Messages",        "AlfaNumTrim",    "RefreshInt",    "SelectText",    "FormatDesOddel",
-       "FormatTisOddel",  "FormatDatOddel", "BackColor",     "ListBackColor", "ForeColor",
-       "ListForeColor",   "DisplayMode",    "FormatStr",     "VisibleByLbl",  "ListFormatString"};
-
-void setAll(Velmora *f)
+// The public properties that carry the saved keys (OriBC shows in the saved set only),
+// each with a value no new field has (but VisibleByLbl).
+const QList<QPair<const char *, QVariant>> &savedValues()
 {
-    f->setInputType(itNum);
-    const QList<QPair<const char *, QVariant>> values {
+    static const QList<QPair<const char *, QVariant>> values {
+        {"InputType", QVariant::fromValue(itNum)},
         {"ListNewItemText", "nová"},
         {"ListAddNewItem", true},
         {"CheckValues", false},
@@ -71,7 +62,12 @@ void setAll(Velmora *f)
         {"DisplayMode", QVariant::fromValue(dmVisible)},
         {"FormatStr", "#,##0.00"},
         {"VisibleByLbl", false}};
-    for (const auto &[name, value] : values)
+    return values;
+}
+
+void setAll(Velmora *f)
+{
+    for (const auto &[name, value] : savedValues())
         QVERIFY2(f->setProperty(name, value), name);
     FieldFont *font = f->Font();
     font->setName(QStringLiteral("Serif"));
@@ -158,7 +154,7 @@ private Q_SLOTS:
             QCOMPARE(in.ignored(), QStringList());
         }
         QCOMPARE(told.size() + changed.size(), 0);
-        for (const char *key : Keys) {
+        for (const auto &[key, value] : savedValues()) {
             QVERIFY2(source->property(key) != fresh->property(key) || !qstrcmp(key, "VisibleByLbl"),
                      key);
             QVERIFY2(loaded->property(key) == source->property(key), key);
