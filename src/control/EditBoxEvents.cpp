@@ -233,9 +233,15 @@ bool VelmoraPrivate::mouse(QMouseEvent *e)
 
 bool VelmoraPrivate::doubleClick()
 {
+    QPointer<Velmora> alive(q);
     bool cancel = false;
     Q_EMIT q->TxtBoxDblClick(cancel);
-    return cancel;
+    if (!alive || cancel)
+        return true;
+    if (!set.setList)
+        return false; // the box selects the word
+    openList();
+    return true;
 }
 
 void VelmoraPrivate::contextMenu(const QPoint &pos)

@@ -548,4 +548,12 @@ bool VelmoraPrivate::takeListRow(int row)
     return alive;
 }
 
+void VelmoraPrivate::openList()
+{
+    if (set.displayMode == dmChangeable || set.displayMode == dmLandable)
+        dropDown();
+    else
+        warningBeep();
+}
+
 } // namespace velmora

@@ -40,12 +40,8 @@ Velmora::Velmora(QWidget *parent) : QWidget(parent), d(std::make_unique<VelmoraP
     QObject::connect(d->cmdList, &QToolButton::clicked, this, [this] {
         QPointer<Velmora> alive(this);
         Q_EMIT ButtonClick();
-        if (!alive)
-            return;
-        if (d->set.displayMode == dmChangeable || d->set.displayMode == dmLandable)
-            d->dropDown();
-        else
-            d->warningBeep();
+        if (alive)
+            d->openList();
     });
     QObject::connect(d->txtInput, &QLineEdit::customContextMenuRequested, this,
                      [this](const QPoint &pos) { d->contextMenu(pos); });

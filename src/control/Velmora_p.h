@@ -138,6 +138,9 @@ public:
     // The first row whose MatchCol cell starts with the text typed in the open list.
     int typeAheadRow(const QString &text);
     bool dropDown();
+    // The list button or a double click: drops the list down where the field may be
+    // entered, else sounds the tone.
+    void openList();
     bool showList();
     bool addNewItem(const QString &line);
     bool takeListRow(int row);

@@ -327,6 +327,25 @@ private slots:
         QTRY_COMPARE(t.focusName(), QStringLiteral("field")); // once the form is active again
     }
 
+    // A double click drops the list down unless the host cancels it.
+    void doubleClick_data()
+    {
+        columns<bool, qsizetype>({"cancel", "actionsLeft"});
+        row("drops down", false, qsizetype(0));
+        row("cancelled", true, qsizetype(1));
+    }
+    void doubleClick()
+    {
+        TestForm t;
+        QVERIFY(QTest::qWaitForWindowActive(&t.form));
+        customerList(t.field);
+        const bool cancel = VFETCH(bool, cancel);
+        connect(t.field, &Velmora::TxtBoxDblClick, [cancel](bool &c) { c = cancel; });
+        ListUser user(t.field, {escape});
+        QTest::mouseDClick(t.box(), Qt::LeftButton);
+        QCOMPARE(user.left(), VFETCH(qsizetype, actionsLeft));
+    }
+
     void buttonAndEmptyList()
     {
         TestForm t;
