@@ -48,7 +48,7 @@ class TestHostForm : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    // The field holds a date and refuses an empty one; typing "-" leaves it empty.
+    // The field holds a date and refuses an empty one; rows without keys leave it empty.
     void leaving_data()
     {
         columns<QString, QString, bool, int, QString, int, int>(
