@@ -5,8 +5,6 @@
 #include "common/TestRegistry.h"
 #include "lookup/ListRows.h"
 
-#include <QtCore/QElapsedTimer>
-
 #include <algorithm>
 #include <random>
 
@@ -101,24 +99,6 @@ private Q_SLOTS:
                          qPrintable(where));
             }
         }
-    }
-
-    // The field looks a value up on every assignment: constant time at a million rows.
-    void lookupTimeAtAMillionRows()
-    {
-        ListRows rows(1);
-        for (int i = 0; i < 1000000; ++i)
-            rows.appendRow({QStringView(u"Item %1"_s.arg(i))});
-        QCOMPARE(rows.findRow(0, u" ITEM 999 "), 999); // builds the index
-        QStringList queries;
-        for (int i = 0; i < 100000; ++i)
-            queries << u"item %1"_s.arg(i * 7919 % 1100000);
-        QElapsedTimer timer;
-        timer.start();
-        for (const QString &q : queries)
-            rows.findRow(0, q);
-        const qint64 perLookup = timer.nsecsElapsed() / queries.size();
-        QVERIFY2(perLookup <= 3000, qPrintable(u"%1 ns a lookup"_s.arg(perLookup)));
     }
 };
 
