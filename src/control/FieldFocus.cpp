@@ -7,6 +7,7 @@
 #include <velmora/Platform.h>
 
 #include <QtCore/QPointer>
+#include <QtCore/QScopedValueRollback>
 #include <QtGui/QFocusEvent>
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QApplication>
@@ -40,6 +41,10 @@ protected:
     void paintEvent(QPaintEvent *) override { }
 };
 
+// The field whose exit check is running, if any. The focus it takes (for its message
+// or given back after a refused leave) does not move the user out of another field.
+const VelmoraPrivate *checking = nullptr;
+
 } // namespace
 
 } // namespace detail
@@ -65,6 +70,13 @@ void VelmoraPrivate::focusOut(Qt::FocusReason reason)
         return;
     if (!focus.entered || focus.leaving)
         return;
+    if (checking && checking != this) {
+        // Another field's check took the focus: this field is done with, unchecked, as
+        // if the focus had never come (nothing to report when it was only passed through).
+        focus.entered = false;
+        exitFocus();
+        return;
+    }
     focus.leaving = true;
     focus.leftAt = viewState();
     QMetaObject::invokeMethod(
@@ -159,6 +171,7 @@ bool VelmoraPrivate::reportExit(int result, const QString &value)
 
 bool VelmoraPrivate::doValidate()
 {
+    const QScopedValueRollback<const VelmoraPrivate *> scope(checking, this);
     QPointer<Velmora> alive(q);
     val.error = 0;
     bool passed = true;

@@ -5,11 +5,14 @@
 #include "common/TestForm.h"
 #include "common/TestRegistry.h"
 
+#include <QtCore/QTimer>
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QGroupBox>
+#include <QtWidgets/QMessageBox>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QTabWidget>
+#include <QtWidgets/QVBoxLayout>
 
 using namespace velmora;
 using namespace velmora::test;
@@ -112,6 +115,97 @@ private Q_SLOTS:
         settle();
         QCOMPARE(t.focusName(), u"after"_s);
         QCOMPARE(changed.size(), 1);
+    }
+
+    // After a refused leave the field is being edited again: a number is made ready for
+    // entry, other text gets the caret and selection it had, or the start when completing
+    // it rewrote the box.
+    void refusedLeaveResumesEntry_data()
+    {
+        columns<Setup, QString, QString, int, int>(
+            {"setup", "keys", "shown", "selStart", "selLength"});
+        row("number", type(itNum, u"000"_s, {set(&Velmora::setSelectText, true)}), "7{Left}", "7",
+            0, 1);
+        row("text: caret", type(itAlfaNum), "abc{Left}", "abc", 2, 0);
+        row("text: selection", type(itAlfaNum), "abc{Shift+Left}", "abc", 2, 1);
+        row("completed date", type(itDate), "2412", "24.12.2026", 0, 0);
+    }
+    void refusedLeaveResumesEntry()
+    {
+        velmora::test::TestForm t;
+        VFETCH(Setup, setup)(t.field);
+        t.field->setMessages(false);
+        connect(t.field, &Velmora::ValidateEx, [](bool &cancel) { cancel = true; });
+        t.field->setFocus();
+        QTest::keyClicks(t.box(), {}); // the field entered
+        for (const QString &part : VFETCH(QString, keys).split(u'{')) {
+            const qsizetype end = part.indexOf(u'}');
+            const QString key = end < 0 ? QString() : part.left(end);
+            if (key == u"Left")
+                QTest::keyClick(t.box(), Qt::Key_Left);
+            else if (key == u"Shift+Left")
+                QTest::keyClick(t.box(), Qt::Key_Left, Qt::ShiftModifier);
+            QTest::keyClicks(t.box(), part.mid(end + 1));
+        }
+        QTest::keyClick(t.box(), Qt::Key_Tab);
+        settle();
+        QCOMPARE(t.focusName(), u"field"_s);
+        QCOMPARE(t.box()->text(), VFETCH(QString, shown));
+        QCOMPARE(t.field->SelStart(), VFETCH(int, selStart));
+        QCOMPARE(t.field->SelLength(), VFETCH(int, selLength));
+    }
+
+    // Leaving, coming back and leaving again before the check has run is one move, even
+    // when the message box runs the event loop while it is open.
+    void oneCheckPerMove()
+    {
+        velmora::test::TestForm t;
+        t.field->setEnableEmpty(false);
+        t.platform.whileBoxOpen = [] { // a real box, with its event loop, for a moment
+            QMessageBox box;
+            QTimer::singleShot(20, &box, &QMessageBox::accept);
+            box.exec();
+        };
+        t.field->setFocus();
+        t.after->setFocus();
+        t.field->setFocus();
+        t.after->setFocus();
+        settle();
+        QCOMPARE(t.platform.boxes.size(), 1);
+        QCOMPARE(t.form.focusWidget(), t.box()); // the focus once the form is active again
+    }
+
+    // Two empty fields that both refuse to be left: the refused leave of the first takes
+    // the focus back from the second, which was never really entered and checks nothing.
+    void refusalTakesFocusBack()
+    {
+        TestPlatform platform;
+        QWidget form;
+        auto *layout = new QVBoxLayout(&form);
+        QList<Velmora *> fields;
+        QList<QSignalSpy *> checks;
+        for (int i = 0; i < 2; ++i) {
+            fields << new Velmora(&form);
+            fields[i]->setEnableEmpty(false);
+            layout->addWidget(fields[i]);
+            checks << new QSignalSpy(fields[i], &Velmora::ValidateEx);
+        }
+        form.show();
+        QApplication::setActiveWindow(&form);
+        fields[0]->setFocus();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        settle();
+        QVERIFY(fields[0]->isAncestorOf(QApplication::focusWidget()));
+        QCOMPARE(platform.boxes.size(), 1);
+        QCOMPARE(checks[1]->size(), 0);
+        QVERIFY(fields[1]->BackColor() != FocusHighlightColor);
+        fields[0]->setValue(u"x"_s);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        settle();
+        QVERIFY(fields[1]->isAncestorOf(QApplication::focusWidget()));
+        QCOMPARE(checks[0]->size(), 1);
+        QCOMPARE(checks[1]->size(), 0);
+        qDeleteAll(checks);
     }
 
     // Another window, or a field that cannot be edited, is no leave to check.
