@@ -154,7 +154,7 @@ class VELMORA_EXPORT Velmora : public QWidget
     Q_PROPERTY(qint16 MatchCol READ MatchCol WRITE setMatchCol)
     /// Type and format of each list column: parts separated by "|" describe columns 0, 1,
     /// 2, ...; a part is a type letter (A, N, D or B; anything else means A) followed by
-    /// the column's format ("N#,##0.00|A|D dd.mm.yyyy"). An empty part leaves its column at
+    /// the column's format ("N#,##0.00|A|Ddd.mm.yyyy"). An empty part leaves its column at
     /// the defaults.
     Q_PROPERTY(QString ListFormatString READ ListFormatString WRITE setListFormatString)
     /// The connection the list is loaded over: key=value pairs separated by ";" with keys
@@ -197,8 +197,8 @@ class VELMORA_EXPORT Velmora : public QWidget
     /// What the field edits: text, number, date or boolean; default itAlfaNum. In run mode
     /// assigning it empties the field, starts from the type's default format (FormatStr
     /// becomes "") and assigns the value again; a value that does not fit brings the
-    /// previous type back. It also sets Nullable (true for a date). In design mode the type
-    /// is only stored.
+    /// previous type back. It also sets Nullable (true for a date), in design mode too; there
+    /// the type is otherwise only stored.
     Q_PROPERTY(velmora::InpType InputType READ InputType WRITE setInputType)
     /// What Enter does; default eaTab.
     Q_PROPERTY(velmora::EntAction EnterAction READ EnterAction WRITE setEnterAction)
@@ -226,9 +226,9 @@ class VELMORA_EXPORT Velmora : public QWidget
     /// ("dd/mm/yyyy", the default of a date field), a string pattern ("@@@-@@@", ">" for
     /// upper case) or a boolean format "true text;false text;database letter" ("ANO;NE;A"
     /// by default; the letter B gives True/False, N -1/0, A A/N). In run mode setting it
-    /// parses the format and assigns the value again: an unusable format is reported
-    /// (message 3, 4 or 5) and falls back, and a value that does not fit the new format
-    /// brings the previous one back. In design mode it is only stored.
+    /// parses the format and assigns the value again: an unusable format (message 3, 4 or
+    /// 5) or a value that does not fit the new format (the value's message) leaves the
+    /// previous format in force. In design mode it is only stored.
     Q_PROPERTY(QString FormatStr READ FormatStr WRITE setFormatStr)
     /// The value as text: a date in the regional short form, a number with the regional
     /// decimal separator, a boolean in its database form ("True"/"-1"/"A"), a text with
