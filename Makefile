@@ -6,6 +6,7 @@ JOBS       ?= $(shell nproc)
 CMAKE_GEN  := -G Ninja
 
 .PHONY: all deps build test demo bench fuzz format clean
+.PHONY: docs
 
 all: build
 
@@ -32,6 +33,11 @@ bench: deps
 
 fuzz: deps
 	@bash scripts/run-fuzz.sh $(FUZZ_BUILD)
+
+# The API reference (Doxygen) in $(BUILD)/docs/html.
+docs: deps
+	cmake -S . -B $(BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(BUILD) --target docs
 
 format:
 	clang-format -i $$(git ls-files '*.h' '*.cpp')
