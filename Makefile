@@ -38,3 +38,8 @@ format:
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) $(BUILD)-bench
+
+# A Debian package of the library (libvelmora_<version>_<arch>.deb, written into $(BUILD)).
+.PHONY: package
+package: build
+	cd $(BUILD) && cpack -G DEB
