@@ -25,16 +25,16 @@ mkdir -p "$work"
 cmake --install "$build" --prefix "$stage" >"$work/install.log"
 
 # The layout: the versioned library behind its two links, the headers, both packages.
-libdir=$(dirname "$(find "$stage" -name velmora.pc -path '*/pkgconfig/*' -print -quit)")
-libdir=$(dirname "$libdir")
-[ -d "$libdir" ] && [ "$libdir" != "$stage" ] || fail "no velmora.pc under $stage"
-version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
+libdir=$stage/$(cache CMAKE_INSTALL_LIBDIR)
+includedir=$stage/$(cache CMAKE_INSTALL_INCLUDEDIR)
+version=$(cache CMAKE_PROJECT_VERSION)
+[ -f "$libdir/pkgconfig/velmora.pc" ] || fail "no velmora.pc in $libdir/pkgconfig"
 [ "$(readlink "$libdir/libvelmora.so")" = libvelmora.so.0 ] || fail "libvelmora.so is not a link to libvelmora.so.0"
 [ "$(readlink "$libdir/libvelmora.so.0")" = "libvelmora.so.$version" ] ||
   fail "libvelmora.so.0 is not a link to libvelmora.so.$version"
 [ -f "$libdir/libvelmora.so.$version" ] || fail "libvelmora.so.$version missing"
 for h in "$source_dir"/include/velmora/*.h; do
-  [ -f "$stage/include/velmora/$(basename "$h")" ] || fail "header $(basename "$h") not installed"
+  [ -f "$includedir/velmora/$(basename "$h")" ] || fail "header $(basename "$h") not installed"
 done
 for f in VelmoraConfig.cmake VelmoraConfigVersion.cmake VelmoraTargets.cmake; do
   [ -f "$libdir/cmake/Velmora/$f" ] || fail "$f not installed"
