@@ -44,3 +44,20 @@ format:
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) $(BUILD)-bench
+
+# A Debian package of the library, libvelmora_<version>_<arch>.deb in $(PACKAGE_BUILD):
+# a build folder of its own, configured for /usr so that the library lands in Debian's
+# multiarch folder, without the tests.
+PACKAGE_BUILD ?= $(BUILD)-package
+.PHONY: package clean-package
+package: deps
+	cmake -S . -B $(PACKAGE_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	  -DCMAKE_INSTALL_PREFIX=/usr -DVELMORA_BUILD_TESTS=OFF
+	cmake --build $(PACKAGE_BUILD) -j $(JOBS)
+	rm -f $(PACKAGE_BUILD)/*.deb
+	cd $(PACKAGE_BUILD) && cpack -G DEB
+	dpkg-deb -c $(PACKAGE_BUILD)/*.deb
+
+clean: clean-package
+clean-package:
+	rm -rf $(PACKAGE_BUILD)

@@ -9,6 +9,7 @@ packages=(
   unixodbc odbc-postgresql libsqliteodbc libsqlite3-dev
   libbenchmark-dev postgresql fonts-dejavu-core locales procps
   doxygen
+  pkg-config dpkg-dev file
 )
 
 missing=()
