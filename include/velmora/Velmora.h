@@ -41,7 +41,6 @@ class VELMORA_EXPORT Velmora : public QWidget
     Q_PROPERTY(qint32 ListCount READ ListCount)
     Q_PROPERTY(bool ListVisible READ ListVisible)
     Q_PROPERTY(QVariant varValue READ varValue WRITE setvarValue)
-    Q_PROPERTY(bool Nullable READ Nullable WRITE setNullable)
     Q_PROPERTY(bool VisibleByLbl READ VisibleByLbl WRITE setVisibleByLbl)
     Q_PROPERTY(bool ListCheckValue READ ListCheckValue WRITE setListCheckValue)
     Q_PROPERTY(qint32 hwnd READ hwnd)
@@ -75,6 +74,9 @@ class VELMORA_EXPORT Velmora : public QWidget
     Q_PROPERTY(QString FormatDatOddel READ FormatDatOddel WRITE setFormatDatOddel)
     Q_PROPERTY(velmora::AlignConst Alignment READ Alignment WRITE setAlignment)
     Q_PROPERTY(velmora::InpType InputType READ InputType WRITE setInputType)
+    // After InputType: a form loader applies properties in this order, and a new type
+    // resets Nullable.
+    Q_PROPERTY(bool Nullable READ Nullable WRITE setNullable)
     Q_PROPERTY(velmora::EntAction EnterAction READ EnterAction WRITE setEnterAction)
     Q_PROPERTY(velmora::ArrAction ArrowAction READ ArrowAction WRITE setArrowAction)
     Q_PROPERTY(velmora::FieldFont *Font READ Font WRITE setFont)
