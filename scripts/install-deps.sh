@@ -10,6 +10,7 @@ packages=(
   libbenchmark-dev postgresql fonts-dejavu-core locales procps
   doxygen
   pkg-config dpkg-dev file
+  qt6-tools-dev libqt6opengl6-dev
 )
 
 missing=()

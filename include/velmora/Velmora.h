@@ -79,10 +79,6 @@ class VELMORA_EXPORT Velmora : public QWidget
     /// list is typed by the type of the list's value column. Setting it writes the variant
     /// as text of the input type and assigns that as Value does.
     Q_PROPERTY(QVariant varValue READ varValue WRITE setvarValue)
-    /// Whether an empty value reads as Null in varValue, rather than as Empty, "" or 0.
-    /// Default false; assigning InputType sets it: true for a date, false for the other
-    /// types.
-    Q_PROPERTY(bool Nullable READ Nullable WRITE setNullable)
     /// Whether a visible or crossed-out field (dmVisible, dmCrossline) shows its value in a
     /// label instead of the read-only edit box. True for a new field.
     Q_PROPERTY(bool VisibleByLbl READ VisibleByLbl WRITE setVisibleByLbl)
@@ -200,6 +196,10 @@ class VELMORA_EXPORT Velmora : public QWidget
     /// previous type back. It also sets Nullable (true for a date), in design mode too; there
     /// the type is otherwise only stored.
     Q_PROPERTY(velmora::InpType InputType READ InputType WRITE setInputType)
+    /// Whether an empty value reads as Null in varValue, rather than as Empty, "" or 0.
+    /// Default false; assigning InputType sets it: true for a date, false for the other
+    /// types. Declared after InputType: a form loader applies properties in this order.
+    Q_PROPERTY(bool Nullable READ Nullable WRITE setNullable)
     /// What Enter does; default eaTab.
     Q_PROPERTY(velmora::EntAction EnterAction READ EnterAction WRITE setEnterAction)
     /// Which arrow keys move the focus out of the field; default aaUpDownTab.
