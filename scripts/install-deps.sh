@@ -8,6 +8,7 @@ packages=(
   qt6-base-dev libqt6sql6-sqlite libqt6sql6-psql libqt6sql6-odbc
   unixodbc odbc-postgresql libsqliteodbc libsqlite3-dev
   libbenchmark-dev postgresql fonts-dejavu-core locales procps
+  xvfb xauth xdotool x11-xkb-utils xkb-data libx11-data libxkbcommon-x11-0
 )
 
 missing=()
