@@ -11,6 +11,7 @@ packages=(
   doxygen
   pkg-config dpkg-dev file
   qt6-tools-dev libqt6opengl6-dev
+  xvfb xauth xdotool x11-xkb-utils xkb-data libx11-data libxkbcommon-x11-0
 )
 
 missing=()

@@ -261,12 +261,15 @@ bool KeyEngine::alfaNumKeyPress(char16_t key)
         return false;
     }
     const int start = m_box.selStart();
+    int caret = start + 1;
     const std::optional<bool> upper = caseOnlyUpper();
     if (plainDisplay()) {
         m_box.insert(start, QChar(key));
     } else if (upper && !QChar::isSurrogate(key)) {
         const QString one = QString(QChar(key));
-        m_box.replace(start, 0, *upper ? one.toUpper() : one.toLower());
+        const QString cased = *upper ? one.toUpper() : one.toLower(); // "ß" becomes "SS"
+        m_box.replace(start, 0, cased);
+        caret = start + int(cased.size());
         if (m_box.size() > MaxTextLength) // as the whole text rendered and cut would be
             m_box.remove(MaxTextLength, m_box.size() - MaxTextLength);
     } else if (!(wasRendered && renderInPlace(start, int(removed.text.size()), key))) {
@@ -276,7 +279,7 @@ bool KeyEngine::alfaNumKeyPress(char16_t key)
         rendered(wholeCharacters(typed), 0, 0);
         m_renderedPart = patternPart(m_renderedFrom);
     }
-    m_box.setSelStart(start + 1);
+    m_box.setSelStart(caret);
     // The field moves on when the caret reaches the last place, not when the text does.
     if (m_box.selStart() == maxLength && m_s->autoTab)
         sendTab();
