@@ -121,6 +121,9 @@ OrderForm::OrderForm(OrderDatabase &db, QTextStream &log, QWidget *parent)
     // over; saving after it keeps that check from running on the emptied form.
     connect(m_save, &QPushButton::clicked, this,
             [this] { QTimer::singleShot(0, this, [this] { save(); }); });
+    // The last save's outcome stays until the order is edited again.
+    for (Velmora *f : fields())
+        connect(f, &Velmora::Change, m_status, &QLabel::clear);
     connect(product, &Velmora::ListNewItem, this, &OrderForm::addNewProduct);
     connect(product, &Velmora::ListChanged, this, &OrderForm::fillPrice);
 
@@ -217,7 +220,6 @@ bool OrderForm::save()
         m_status->setText(QStringLiteral("Objednávka nebyla uložena."));
         return false;
     }
-    m_status->setText(QStringLiteral("Objednávka č. %1 uložena.").arg(*id));
     m_log << "Saved order " << *id << ": " << orderInsert(order) << "\n";
     m_log.flush();
     customer->ClearAll();
@@ -225,6 +227,7 @@ bool OrderForm::save()
     // change keeps reporting it: the saved form starts unchanged again.
     customer->setFormChanged(false);
     refreshOrders();
+    m_status->setText(QStringLiteral("Objednávka č. %1 uložena.").arg(*id));
     customer->setFocus(Qt::OtherFocusReason);
     return true;
 }

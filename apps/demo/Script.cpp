@@ -251,6 +251,7 @@ bool Script::run()
             const bool told = m_platform.boxes.size() == boxesBefore + 1
                 && m_platform.boxes.last().title == f.quantity->Label();
             return {told && db.count(QStringLiteral("orders")) == ordersBefore
+                        && f.status().startsWith(QStringLiteral("Objednávka nebyla uložena"))
                         && f.quantity->isAncestorOf(QApplication::focusWidget()),
                     QStringLiteral("the user was told \"%1\", nothing saved, the focus is in "
                                    "the quantity")
@@ -277,7 +278,10 @@ bool Script::run()
                 && cell(m, 0, "Poznámka") == note;
             const bool cleared = f.customer->Value().isEmpty() && f.note->Value().isEmpty()
                 && !f.customer->FormChanged();
-            return {row && cleared && db.count(QStringLiteral("orders")) == ordersBefore + 1,
+            const bool told
+                = f.status() == QStringLiteral("Objednávka č. %1 uložena.").arg(cell(m, 0, "Č."));
+            return {row && cleared && told
+                        && db.count(QStringLiteral("orders")) == ordersBefore + 1,
                     QStringLiteral("order %1 on top of the table (%2 × %3 = %4), form %5")
                         .arg(cell(m, 0, "Č."), cell(m, 0, "Množství"), cell(m, 0, "Cena/j."),
                              cell(m, 0, "Celkem"),
