@@ -151,7 +151,7 @@ void OrderForm::keepSettings(const QString &fileName)
     QSet<QString> names;
     for (const Velmora *f : fields())
         names.insert(f->objectName());
-    const QJsonDocument saved = file.open(QIODevice::ReadOnly)
+    const QJsonDocument saved = !fileName.isEmpty() && file.open(QIODevice::ReadOnly)
         ? QJsonDocument::fromJson(file.readAll())
         : QJsonDocument();
     file.close();
@@ -163,7 +163,7 @@ void OrderForm::keepSettings(const QString &fileName)
         for (auto it = report.ignored.cbegin(); it != report.ignored.cend(); ++it)
             m_log << "; " << it.key() << " ignored " << it.value().join(QStringLiteral(", "));
         m_log << "\n";
-    } else if (file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+    } else if (!fileName.isEmpty() && file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
         // A missing file, or one of another version of the form: this form's settings.
         file.write(velmora::saveFormSettings(this).toJson());
         m_log << "Field settings written to " << file.fileName() << "\n";

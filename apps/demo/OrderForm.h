@@ -28,7 +28,7 @@ public:
     OrderForm(OrderDatabase &db, QTextStream &log, QWidget *parent = nullptr);
 
     // Loads the fields' settings from the file, or writes it when it is missing or was
-    // written for other fields; then loads the lists.
+    // written for other fields; then loads the lists. An empty name keeps no file.
     void keepSettings(const QString &file);
     // Checks the form; when it passes, writes the order and empties the form.
     bool save();
