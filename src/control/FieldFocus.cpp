@@ -49,6 +49,7 @@ void VelmoraPrivate::focusIn()
     if (focus.entered)
         return; // back from a message box, the list window or a refused leave
     focus.entered = true;
+    refreshAccessibility(); // a buddy label may have changed its text
     if (set.displayMode == dmChangeable)
         look.setHighlight(true);
     val.lastValue = q->varValue();
@@ -161,6 +162,7 @@ bool VelmoraPrivate::doValidate()
 {
     QPointer<Velmora> alive(q);
     val.error = 0;
+    access.clearError();
     bool passed = true;
     const Completion c
         = completeEntry(txtInput->text(), valueSettings(), Platform::instance().today());
