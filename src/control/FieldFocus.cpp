@@ -54,6 +54,7 @@ void VelmoraPrivate::focusIn()
     if (focus.entered)
         return; // back from a message box, the list window or a refused leave
     focus.entered = true;
+    refreshAccessibility(); // a buddy label may have changed its text
     if (set.displayMode == dmChangeable)
         look.setHighlight(true);
     val.lastValue = q->varValue();
@@ -174,6 +175,7 @@ bool VelmoraPrivate::doValidate()
     const QScopedValueRollback<const VelmoraPrivate *> scope(checking, this);
     QPointer<Velmora> alive(q);
     val.error = 0;
+    access.clearError();
     bool passed = true;
     const Completion c
         = completeEntry(txtInput->text(), valueSettings(), Platform::instance().today());

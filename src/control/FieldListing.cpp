@@ -45,6 +45,7 @@ ListWindow *VelmoraPrivate::listWindow()
         list.window->setModel(list.model);
         list.window->setSearch([this](const QString &prefix) { return typeAheadRow(prefix); });
         applyListLook();
+        refreshAccessibility();
     }
     return list.window;
 }

@@ -113,6 +113,7 @@ void Velmora::InitProperties()
     s.listBackColor = WindowColor;
     s.listForeColor = WindowTextColor;
     d->applyListLook();
+    d->refreshAccessibility();
 }
 
 void Velmora::ReadProperties(PropertyBag &PropBag)
@@ -230,6 +231,8 @@ void Velmora::ReadProperties(PropertyBag &PropBag)
     v.changed = false;
 
     d->cmdList->setArrowType(s.setList ? Qt::DownArrow : Qt::NoArrow);
+    d->access.clearError();
+    d->refreshAccessibility();
 }
 
 void Velmora::WriteProperties(PropertyBag &PropBag)

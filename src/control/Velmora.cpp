@@ -539,6 +539,7 @@ void Velmora::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
     d->createShortcutButtons();
+    d->refreshAccessibility(); // the form has its labels by now
     Q_EMIT Show();
 }
 

@@ -139,6 +139,8 @@ EditState VelmoraPrivate::viewState() const
 
 void VelmoraPrivate::notify(const char *name)
 {
+    if (affectsAccessibility(name))
+        refreshAccessibility();
     Q_EMIT q->PropertyChanged(QString::fromLatin1(name));
 }
 
@@ -167,6 +169,8 @@ bool VelmoraPrivate::writeText(const QString &shown, const QString &stored, Orig
     }
     val.text = stored;
     ++val.generation;
+    if (changed)
+        access.clearError();
     if (origin == Origin::Typed && set.inputType == itNum)
         val.number = toNumber(textToValue(stored, fieldFormat()), set.parsed.regional);
     if (origin == Origin::Assigned)
@@ -253,6 +257,7 @@ bool VelmoraPrivate::report(int number, const QString &value)
     Q_EMIT q->Error(n, text);
     if (!alive)
         return false;
+    access.showError(text);
     if (!set.messages)
         return true;
     warningBeep();

@@ -10,6 +10,7 @@
 
 #include "Appearance.h"
 #include "EditBoxEvents.h"
+#include "FieldAccessibility.h"
 #include "FieldFocus.h"
 #include "FieldList.h"
 #include "FieldState.h"
@@ -49,6 +50,7 @@ public:
     detail::EditBoxEvents events;
     detail::FieldList list;
     detail::FieldFocus focus;
+    detail::FieldAccessibility access {q, txtInput};
 
     bool runMode() const;
     detail::ValueFormat fieldFormat() const;
@@ -115,6 +117,9 @@ public:
 
     void sendTab();
     void sendShiftTab();
+
+    // Names and describes the field for assistive technology (FieldAccessibility.cpp).
+    void refreshAccessibility();
 
     // The lookup list (FieldListing.cpp).
     bool hasNewItemRow() const { return set.listAddNewItem && set.inputType != itBool; }
