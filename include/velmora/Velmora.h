@@ -34,7 +34,10 @@ class VelmoraPrivate;
 ///
 /// Every property is a Q_PROPERTY under its own name, so `setProperty("FormatStr",
 /// "dd/mm/yyyy")` works too; setting a stored property raises PropertyChanged with its
-/// name. Texts that enter the field (values, formats, labels, list settings) are made
+/// name. The 16-bit properties (MaxLength, Group, the list columns, RefreshInt, the
+/// selection, Error) are declared as int so that form designers can edit and save them;
+/// their accessors keep qint16, and a value outside its range is cut to 16 bits.
+/// Texts that enter the field (values, formats, labels, list settings) are made
 /// well formed (a lone surrogate becomes U+FFFD, control characters but tab are
 /// removed) and cut to 32767 characters.
 ///
@@ -103,7 +106,7 @@ class VELMORA_EXPORT Velmora : public QWidget
     /// reloads it: 0 (the default) never reloads, -1 reloads at every drop-down, n reloads
     /// a list more than n minutes old. The clock is Platform::now(). Lists from a host's
     /// query or from AddItem are never reloaded.
-    Q_PROPERTY(qint16 RefreshInt READ RefreshInt WRITE setRefreshInt)
+    Q_PROPERTY(int RefreshInt READ RefreshInt WRITE setRefreshInt)
     /// Which blanks a text value loses when it is assigned and read; default atLeftRight.
     /// Only text fields trim.
     Q_PROPERTY(velmora::AlfaNumTrim AlfaNumTrim READ AlfaNumTrim WRITE setAlfaNumTrim)
@@ -118,7 +121,7 @@ class VELMORA_EXPORT Velmora : public QWidget
     /// date format; 6 and 11 invalid number; 8 and 9 more places after or before the
     /// decimal separator than the format allows; 10 not in the list; 13 the field must not
     /// be empty; 14 more characters than MaxLength.
-    Q_PROPERTY(qint16 Error READ Error WRITE setError)
+    Q_PROPERTY(int Error READ Error WRITE setError)
     /// The title of the field's message boxes; default "".
     Q_PROPERTY(QString Label READ Label WRITE setLabel)
     /// Whether the warning tone sounds, Platform::beep(400, 150), with messages and refused
@@ -128,10 +131,10 @@ class VELMORA_EXPORT Velmora : public QWidget
     Q_PROPERTY(QString SelText READ SelText)
     /// The length of the selection in UTF-16 units. Setting it selects from SelStart, cut
     /// to the end of the text; 0 leaves the caret at SelStart.
-    Q_PROPERTY(qint16 SelLength READ SelLength WRITE setSelLength)
+    Q_PROPERTY(int SelLength READ SelLength WRITE setSelLength)
     /// The caret, or the start of the selection: a 0-based UTF-16 position. Setting it
     /// moves the caret there (clamped to the text) and drops the selection.
-    Q_PROPERTY(qint16 SelStart READ SelStart WRITE setSelStart)
+    Q_PROPERTY(int SelStart READ SelStart WRITE setSelStart)
     /// Whether an empty value passes the exit check; default true (and empty always passes
     /// with CheckValues off). Off, the check fails with code 4 (message 13). In a boolean
     /// field Backspace and Delete empty the field only with it, and its list gets an empty
@@ -141,13 +144,13 @@ class VELMORA_EXPORT Velmora : public QWidget
     /// ("0;2"). Hidden columns take no width in the window.
     Q_PROPERTY(QString HideCol READ HideCol WRITE setHideCol)
     /// The 0-based list column that gives the field's value; default 0.
-    Q_PROPERTY(qint16 ValueCol READ ValueCol WRITE setValueCol)
+    Q_PROPERTY(int ValueCol READ ValueCol WRITE setValueCol)
     /// The 0-based list column whose cell the field shows for its value; default 0. It
     /// takes the field's own type and format.
-    Q_PROPERTY(qint16 TextCol READ TextCol WRITE setTextCol)
+    Q_PROPERTY(int TextCol READ TextCol WRITE setTextCol)
     /// The 0-based list column that letters typed in the open list search; -1 (the default)
     /// for no search.
-    Q_PROPERTY(qint16 MatchCol READ MatchCol WRITE setMatchCol)
+    Q_PROPERTY(int MatchCol READ MatchCol WRITE setMatchCol)
     /// Type and format of each list column: parts separated by "|" describe columns 0, 1,
     /// 2, ...; a part is a type letter (A, N, D or B; anything else means A) followed by
     /// the column's format ("N#,##0.00|A|Ddd.mm.yyyy"). An empty part leaves its column at
@@ -160,7 +163,7 @@ class VELMORA_EXPORT Velmora : public QWidget
     Q_PROPERTY(QString SQLConnect READ SQLConnect WRITE setSQLConnect)
     /// The number of the field's group: the group operations act on the fields of the form
     /// with the same Group; default 0.
-    Q_PROPERTY(qint16 Group READ Group WRITE setGroup)
+    Q_PROPERTY(int Group READ Group WRITE setGroup)
     /// The query whose rows fill the list (InitList without a query of the host's).
     Q_PROPERTY(QString SQLList READ SQLList WRITE setSQLList)
     /// The frame around the field; default fmSpecialEffectSunken.
@@ -173,7 +176,7 @@ class VELMORA_EXPORT Velmora : public QWidget
     Q_PROPERTY(bool AutoTab READ AutoTab WRITE setAutoTab)
     /// The most characters of a text field; 0 (the default) for no limit. A key past it is
     /// refused with message 14.
-    Q_PROPERTY(qint16 MaxLength READ MaxLength WRITE setMaxLength)
+    Q_PROPERTY(int MaxLength READ MaxLength WRITE setMaxLength)
     /// Which digit places of a number field its format limits while typing; default
     /// clDecimalPart. Setting it assigns the value again.
     Q_PROPERTY(velmora::ControlLengthConst ControlLength READ ControlLength WRITE setControlLength)
