@@ -209,20 +209,6 @@ private Q_SLOTS:
         QCOMPARE(valueChanged.size(), 4); // Clear raises nothing
     }
 
-    void listCheckRefusesValuesWithoutAList()
-    {
-        field->setValue(u"old"_s);
-        field->setSetList(true);
-        field->setValue(u"new"_s);
-        QCOMPARE(field->Error(), qint16(1));
-        QCOMPARE(field->Value(), u"old"_s);
-        field->setValue(u"  "_s);
-        QCOMPARE(field->Value(), QString());
-        field->setListCheckValue(false);
-        field->setValue(u"free"_s);
-        QCOMPARE(field->Value(), u"free"_s);
-    }
-
     void hugeTextsAreCut()
     {
         const QString huge(40000, u'7');

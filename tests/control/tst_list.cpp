@@ -74,13 +74,8 @@ private:
     QTimer m_timer;
 };
 
-void pressKey(QWidget *w, Qt::Key key)
-{
-    QTest::keyClick(w, key);
-}
-
 const ListUser::Action escape = [](QTableView *table) {
-    pressKey(table, Qt::Key_Escape);
+    QTest::keyClick(table, Qt::Key_Escape);
 };
 
 // Drops the list down with Page Down; the user acts in the window.
@@ -169,7 +164,7 @@ private slots:
     }
 
     // With the list check on, a value outside the list is refused with message 1 and the
-    // field keeps what it showed; zero in a numeric value column counts as empty.
+    // field keeps what it showed; blanks, and zero in a numeric value column, are empty.
     void listCheckRefusesOutsiders()
     {
         TestForm t;
@@ -182,6 +177,9 @@ private slots:
         t.field->setValue(QStringLiteral("0"));
         QCOMPARE(t.box()->text(), QString());
         QCOMPARE(t.field->ListOK(), false);
+        t.field->setValue(QStringLiteral("7"));
+        t.field->setValue(QStringLiteral("  "));
+        QCOMPARE(t.box()->text(), QString());
         QCOMPARE(t.platform.boxes.size(), 1);
     }
 
@@ -305,18 +303,18 @@ private slots:
             QCOMPARE(table->currentIndex().row(), 0);
             QWidget *vp = table->viewport();
             if (how == "Down, Enter") {
-                pressKey(table, Qt::Key_Down);
-                pressKey(table, Qt::Key_Return);
+                QTest::keyClick(table, Qt::Key_Down);
+                QTest::keyClick(table, Qt::Key_Return);
             } else if (how == "Esc") {
-                pressKey(table, Qt::Key_Down);
-                pressKey(table, Qt::Key_Escape);
+                QTest::keyClick(table, Qt::Key_Down);
+                QTest::keyClick(table, Qt::Key_Escape);
             } else if (how == "right click") {
                 QTest::mouseClick(vp, Qt::RightButton, {}, cellCenter(table, 2));
             } else if (how == "double click") {
                 QTest::mouseDClick(vp, Qt::LeftButton, {}, cellCenter(table, 2));
             } else {
                 QTest::keyClicks(table, QStringLiteral("dvo"));
-                pressKey(table, Qt::Key_Enter);
+                QTest::keyClick(table, Qt::Key_Enter);
             }
         };
         QCOMPARE(dropDown(t, {act}), 0);
@@ -328,22 +326,19 @@ private slots:
     }
 
     // A double click drops the list down unless the host cancels it.
-    void doubleClick_data()
-    {
-        columns<bool, qsizetype>({"cancel", "actionsLeft"});
-        row("drops down", false, qsizetype(0));
-        row("cancelled", true, qsizetype(1));
-    }
     void doubleClick()
     {
         TestForm t;
         QVERIFY(QTest::qWaitForWindowActive(&t.form));
         customerList(t.field);
-        const bool cancel = VFETCH(bool, cancel);
-        connect(t.field, &Velmora::TxtBoxDblClick, [cancel](bool &c) { c = cancel; });
-        ListUser user(t.field, {escape});
-        QTest::mouseDClick(t.box(), Qt::LeftButton);
-        QCOMPARE(user.left(), VFETCH(qsizetype, actionsLeft));
+        bool cancel = false;
+        connect(t.field, &Velmora::TxtBoxDblClick, [&cancel](bool &c) { c = cancel; });
+        for (const qsizetype left : {0, 1}) {
+            ListUser user(t.field, {escape});
+            QTest::mouseDClick(t.box(), Qt::LeftButton);
+            QCOMPARE(user.left(), left);
+            cancel = true;
+        }
     }
 
     void buttonAndEmptyList()
@@ -375,14 +370,12 @@ private slots:
         connect(t.field, &Velmora::ListNewItem, t.field,
                 [&](QString &item) { item = answers.takeFirst(); });
         const ListUser::Action chooseNew = [](QTableView *table) {
-            pressKey(table, Qt::Key_Home);
-            pressKey(table, Qt::Key_Return);
+            QTest::keyClick(table, Qt::Key_Home);
+            QTest::keyClick(table, Qt::Key_Return);
         };
         QCOMPARE(dropDown(t, {chooseNew, chooseNew}), 0); // offered again after the refused row
         QCOMPARE(t.platform.boxes.size(), 1);
-        QCOMPARE(t.platform.boxes.at(0).text,
-                 QStringLiteral("Chybný počet sloupců při vkládání nových hodnot do seznamu "
-                                "povolených údajů."));
+        QVERIFY(t.platform.boxes.at(0).text.contains(u"počet sloupců"_s));
         QCOMPARE(t.field->ListCount(), 6);
         QCOMPARE(t.field->Value(), QStringLiteral("5"));
         QCOMPARE(t.box()->text(), QStringLiteral("Nový"));

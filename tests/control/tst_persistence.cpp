@@ -17,76 +17,24 @@ using namespace velmora::test;
 
 namespace {
 
-// The public properties that carry the saved keys (OriBC shows in the saved set only),
-// each with a value no new field has (but VisibleByLbl).
-const QList<QPair<const char *, QVariant>> &savedValues()
-{
-    static const QList<QPair<const char *, QVariant>> values {
-        {"InputType", QVariant::fromValue(itNum)},
-        {"ListNewItemText", "nová"},
-        {"ListAddNewItem", true},
-        {"CheckValues", false},
-        {"Nullable", true},
-        {"InsMode", true},
-        {"ListCheckValue", false},
-        {"Alignment", QVariant::fromValue(vbRightJustify)},
-        {"EnterAction", QVariant::fromValue(eaClearRest)},
-        {"ArrowAction", QVariant::fromValue(aaAllTab)},
-        {"AutoTab", true},
-        {"MaxLength", QVariant::fromValue(qint16(12))},
-        {"ControlLength", QVariant::fromValue(clBoth)},
-        {"SetList", true},
-        {"SQLList", "select a, b from t"},
-        {"SQLConnect", "DSN=x;UID=y"},
-        {"ListFormatString", "A10;N5"},
-        {"Group", QVariant::fromValue(qint16(-3))},
-        {"EnableEmpty", false},
-        {"SpecialEffect", QVariant::fromValue(fmSpecialEffectBump)},
-        {"MatchCol", QVariant::fromValue(qint16(2))},
-        {"HideCol", "1,2"},
-        {"ValueCol", QVariant::fromValue(qint16(1))},
-        {"TextCol", QVariant::fromValue(qint16(2))},
-        {"Crrr", false},
-        {"Label", "Cena"},
-        {"Messages", false},
-        {"AlfaNumTrim", QVariant::fromValue(atNone)},
-        {"RefreshInt", QVariant::fromValue(qint16(30))},
-        {"SelectText", false},
-        {"FormatDesOddel", "x"},
-        {"FormatTisOddel", "'"},
-        {"FormatDatOddel", "-"},
-        {"BackColor", 0x00112233u},
-        {"ListBackColor", 0x80000012u},
-        {"ForeColor", 0x00778899u},
-        {"ListForeColor", 0x00AABBCCu},
-        {"DisplayMode", QVariant::fromValue(dmVisible)},
-        {"FormatStr", "#,##0.00"},
-        {"VisibleByLbl", false}};
-    return values;
-}
-
-void setAll(Velmora *f)
-{
-    for (const auto &[name, value] : savedValues())
-        QVERIFY2(f->setProperty(name, value), name);
-    FieldFont *font = f->Font();
-    font->setName(QStringLiteral("Serif"));
-    font->setSize(13.5);
-    font->setWeight(600);
-    font->setItalic(true);
-    font->setCharset(161);
-    f->ListFont()->setUnderline(true);
-    f->ListFont()->setStrikethrough(true);
-}
-
-QVariantMap fontOf(const FieldFont *f)
-{
-    QVariantMap m;
-    for (const char *a :
-         {"Name", "Size", "Bold", "Italic", "Underline", "Strikethrough", "Weight", "Charset"})
-        m.insert(QString::fromLatin1(a), f->property(a));
-    return m;
-}
+// A saved set with a value no new field has for every key (VisibleByLbl, at its default,
+// is not saved; OriBC is the BackColor the field saves beside it). The apostrophe is
+// written \u0027: moc reads a bare one as the start of a character literal.
+const char AllKeys[]
+    = R"({"AlfaNumTrim":3,"Alignment":3,"ArrowAction":3,"AutoTab":true,"BackColor":1122867,)"
+      R"("CheckValues":false,"ControlLength":3,"Crrr":false,"DisplayMode":2,)"
+      R"("EnableEmpty":false,"EnterAction":2,"Font":{"Bold":false,"Charset":161,)"
+      R"("Italic":true,"Name":"Serif","Size":13.5,"Strikethrough":false,"Underline":false,)"
+      R"("Weight":600},"ForeColor":7833753,"FormatDatOddel":"-","FormatDesOddel":"x",)"
+      R"("FormatStr":"#,##0.00","FormatTisOddel":"\u0027","Group":-3,"HideCol":"1,2",)"
+      R"("InputType":78,"InsMode":true,"Label":"Cena","ListAddNewItem":true,)"
+      R"("ListBackColor":2147483666,"ListCheckValue":false,"ListFont":{"Bold":true,)"
+      R"("Charset":238,"Italic":false,"Name":"Mono","Size":8,"Strikethrough":true,)"
+      R"("Underline":true,"Weight":700},"ListForeColor":11189196,)"
+      R"("ListFormatString":"A10;N5","ListNewItemText":"nová","MatchCol":2,"MaxLength":12,)"
+      R"("Messages":false,"Nullable":true,"OriBC":1122867,"RefreshInt":30,)"
+      R"("SQLConnect":"DSN=x;UID=y","SQLList":"select a, b from t","SelectText":false,)"
+      R"("SetList":true,"SpecialEffect":6,"TextCol":2,"ValueCol":1})";
 
 QJsonObject saved(Velmora *f)
 {
@@ -124,8 +72,7 @@ private Q_SLOTS:
         platform.reset();
     }
 
-    // Every key saved with a value no new field has comes back, and saves the same again;
-    // loading tells the host nothing.
+    // Every key comes back, and saves the same again; loading tells the host nothing.
     void roundTrip_data()
     {
         columns<bool>({"ini"});
@@ -134,13 +81,18 @@ private Q_SLOTS:
     }
     void roundTrip()
     {
-        QFETCH(bool, ini);
-        Velmora *source = newField(), *fresh = newField(), *loaded = newField();
-        setAll(source);
-        QTemporaryDir dir;
-        QSettings settings(dir.filePath(QStringLiteral("form.ini")), QSettings::IniFormat);
+        const QJsonObject all = QJsonDocument::fromJson(AllKeys).object();
+        Velmora *loaded = newField();
+        const QJsonObject fresh = saved(newField());
+        for (auto it = all.begin(); it != all.end(); ++it)
+            QVERIFY2(fresh.value(it.key()) != it.value(), qPrintable(it.key()));
         QSignalSpy told(loaded, &Velmora::PropertyChanged), changed(loaded, &Velmora::Change);
-        if (ini) {
+        JsonPropertyBag json(all);
+        if (VFETCH(bool, ini)) {
+            Velmora *source = newField();
+            source->ReadProperties(json);
+            QTemporaryDir dir;
+            QSettings settings(dir.filePath(QStringLiteral("form.ini")), QSettings::IniFormat);
             SettingsPropertyBag out(settings, QStringLiteral("forms/f1"));
             source->WriteProperties(out);
             settings.sync();
@@ -149,20 +101,14 @@ private Q_SLOTS:
             loaded->ReadProperties(in);
             QCOMPARE(in.ignored(), QStringList());
         } else {
-            JsonPropertyBag in(saved(source));
-            loaded->ReadProperties(in);
-            QCOMPARE(in.ignored(), QStringList());
+            loaded->ReadProperties(json);
         }
+        QCOMPARE(json.ignored(), QStringList());
         QCOMPARE(told.size() + changed.size(), 0);
-        for (const auto &[key, value] : savedValues()) {
-            QVERIFY2(source->property(key) != fresh->property(key) || !qstrcmp(key, "VisibleByLbl"),
-                     key);
-            QVERIFY2(loaded->property(key) == source->property(key), key);
-        }
-        QCOMPARE(fontOf(loaded->Font()), fontOf(source->Font()));
-        QCOMPARE(fontOf(loaded->ListFont()), fontOf(source->ListFont()));
-        QCOMPARE(saved(loaded), saved(source));
-        QCOMPARE(saved(loaded).size(), 42); // all but VisibleByLbl, which is at its default
+        const QJsonObject back = saved(loaded);
+        for (auto it = all.begin(); it != all.end(); ++it)
+            QVERIFY2(back.value(it.key()) == it.value(), qPrintable(it.key()));
+        QCOMPARE(back.size(), all.size());
         QVERIFY(!loaded->Changed());
     }
 

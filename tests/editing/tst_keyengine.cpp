@@ -246,8 +246,7 @@ void TestKeyEngine::keys_data()
 void TestKeyEngine::insModeProperty()
 {
     Rig rig;
-    rig.host.stored = u"abc"_s;
-    rig.engine.enterField();
+    enter(rig, u"abc"_s);
     rig.engine.setInsMode(true);
     QCOMPARE(marked(rig.box), u"[a]bc"_s);
     rig.engine.setInsMode(false);
