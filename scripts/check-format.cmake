@@ -4,7 +4,7 @@ file(GLOB_RECURSE files
      ${SOURCE_DIR}/include/*.h ${SOURCE_DIR}/src/*.h ${SOURCE_DIR}/src/*.cpp
      ${SOURCE_DIR}/apps/*.h ${SOURCE_DIR}/apps/*.cpp ${SOURCE_DIR}/tests/*.h
      ${SOURCE_DIR}/tests/*.cpp ${SOURCE_DIR}/bench/*.cpp ${SOURCE_DIR}/fuzz/*.h
-     ${SOURCE_DIR}/fuzz/*.cpp ${SOURCE_DIR}/designer/*.h ${SOURCE_DIR}/designer/*.cpp)
+     ${SOURCE_DIR}/fuzz/*.cpp ${SOURCE_DIR}/plugins/*/*.h ${SOURCE_DIR}/plugins/*/*.cpp)
 set(bad "")
 foreach(f IN LISTS files)
   execute_process(COMMAND ${CLANG_FORMAT} --dry-run --Werror ${f}
