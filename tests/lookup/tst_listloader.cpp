@@ -31,6 +31,13 @@ int width(QStringView text)
     return w;
 }
 
+// As width(), but "1" is narrower than the other digits: a text's digits then tell its
+// width apart.
+int narrowOne(QStringView text)
+{
+    return width(text) - 4 * int(text.count(u'1'));
+}
+
 QStringList allRows(const ListRows &rows)
 {
     QStringList out;
@@ -130,6 +137,67 @@ private Q_SLOTS:
         QCOMPARE(list.sourceRows, 4);
         const ListColumns &c = list.columns;
         QCOMPARE((QList<int> {c.length(0), c.length(1), c.length(2)}), VFETCH(QList<int>, widths));
+    }
+
+    // A QSQLITE connection's rows are read straight through SQLite: the same rows and
+    // widths as through the driver's QSqlQuery (the host-query path), for every kind of
+    // cell, and widths as wide as the widest shown cell when the shapes of cells are
+    // remembered (a few hundred rows, digits of equal or of different widths).
+    void sqliteHandle_data()
+    {
+        columns<QString, QString, bool>({"mode", "listFormat", "narrowOne"});
+        row("Czech, amounts and dates", "Czech", "N#,##0.00|A|D", false);
+        row("English, percent and a number text", "English", "N0.0%|N|D", false);
+        row("plain texts", "Czech", "A|A|A", false);
+        row("narrow one", "Czech", "N#,##0.00|A|D", true);
+        row("design mode", "design", "N#,##0.00|A|D", false);
+    }
+    void sqliteHandle()
+    {
+        QSqlDatabase db = QSqlDatabase::database(u"host"_s);
+        QVERIFY(QSqlQuery(db).exec(u"CREATE TABLE IF NOT EXISTS kinds(a, b, c)"_s));
+        QVERIFY(QSqlQuery(db).exec(u"DELETE FROM kinds"_s));
+        QVERIFY(QSqlQuery(db).exec(
+            u"INSERT INTO kinds VALUES (NULL, NULL, NULL), (0, -0.0, ''), "
+            "(-7, 12345678901234567, '  1,5  '), (0.1, 1e20, 'Žluťoučký kůň'), "
+            "(-0.5, 1e-300, 'Straße'), (1234.5, 2.5e-7, '2005-12-24'), "
+            "(123456.789, 99999999999999.9, X'C5BD'), (0.005, -1234567.125, '31.12.1999'), "
+            "('12,5', 'iiii', 'no date')"_s));
+        QVERIFY(QSqlQuery(db).exec(
+            u"INSERT INTO kinds WITH RECURSIVE s(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM s "
+            "WHERE i < 400) SELECT i * 13.25 - 2000, 'Item ' || i || ' of ' || (i % 7), "
+            "date('2000-01-01', '+' || (i * 37) || ' days') FROM s"_s));
+        // The widest cells last, each of a shape met before in narrower cells.
+        QVERIFY(QSqlQuery(db).exec(
+            u"INSERT INTO kinds VALUES (-8888.88, 'Item 888 of 6', '2088-08-28')"_s));
+        const QString mode = VFETCH(QString, mode);
+        Field field(mode == u"English" ? RegionalSettings::english()
+                                       : RegionalSettings::czech(u' '));
+        field.o.formatCells = mode != u"design";
+        field.listFormat = VFETCH(QString, listFormat);
+        const auto measure = VFETCH(bool, narrowOne) ? narrowOne : width;
+        field.o.measure = {measure, 0, {}}; // every cell goes to the measure or its memory
+        const QString sql = u"SELECT * FROM kinds"_s;
+
+        const LoadedList direct = ListLoader(field.o).fromDatabase(db, sql, field.ready());
+        QSqlQuery q(db);
+        QVERIFY(q.exec(sql));
+        const LoadedList driver = ListLoader(field.o).fromQuery(q, field.ready());
+        QCOMPARE(allRows(direct.rows), allRows(driver.rows));
+        QCOMPARE(direct.sourceRows, 410);
+
+        // The widths, on the generated rows alone: the cells above would be the widest.
+        const QString generated = u"SELECT * FROM kinds WHERE rowid > 9"_s;
+        const LoadedList measured = ListLoader(field.o).fromDatabase(db, generated, field.ready());
+        field.o.measure = {};
+        const LoadedList unmeasured
+            = ListLoader(field.o).fromDatabase(db, generated, field.ready());
+        for (int c = 0; c < 3; ++c) {
+            int widest = unmeasured.columns.length(c);
+            for (int r = 0; r < measured.rows.rowCount(); ++r)
+                widest = std::max(widest, measure(measured.rows.cell(r, c)));
+            QCOMPARE(measured.columns.length(c), widest);
+        }
     }
 
     // A host's query is read from where it stands to its end, and left there.
