@@ -10,22 +10,55 @@ namespace velmora::detail {
 
 namespace {
 
-bool isAscii(QStringView s)
-{
-    for (QChar c : s)
-        if (c.unicode() >= 0x80)
-            return false;
-    return true;
-}
-
 char16_t asciiUpper(char16_t c)
 {
     return c >= u'a' && c <= u'z' ? char16_t(c - 32) : c;
 }
 
-// A key in comparable form: for ASCII text the trimmed text itself, mapped to upper
-// case on the fly; for any other text its full upper-case form (which may differ in
-// length: "ß" becomes "SS").
+// The upper case of every UTF-16 unit as QString::toUpper maps it, where that is one
+// unit for one; 0 for a unit that takes more (a surrogate, or "ß", which becomes "SS").
+// Built once, a block of 256 units at a time through toUpper itself.
+class UpperUnits
+{
+public:
+    UpperUnits()
+    {
+        for (int block = 0; block < 256; ++block) {
+            QString units(256, Qt::Uninitialized);
+            for (int i = 0; i < 256; ++i) {
+                const char16_t u = char16_t(block * 256 + i);
+                units[i] = QChar::isSurrogate(u) ? QChar(u'a') : QChar(u);
+            }
+            const QString upper = units.toUpper();
+            for (int i = 0; i < 256; ++i) {
+                const char16_t u = char16_t(block * 256 + i);
+                if (QChar::isSurrogate(u)) {
+                    m_map[u] = 0;
+                } else if (upper.size() == 256) {
+                    m_map[u] = upper[i].unicode();
+                } else {
+                    const QString one = QString(QChar(u)).toUpper();
+                    m_map[u] = one.size() == 1 ? one[0].unicode() : 0;
+                }
+            }
+        }
+    }
+    char16_t operator[](char16_t u) const { return m_map[u]; }
+
+private:
+    char16_t m_map[0x10000];
+};
+
+const UpperUnits &upperUnits()
+{
+    static const UpperUnits table;
+    return table;
+}
+
+// A key in comparable form: the trimmed text, mapped to upper case unit by unit as it is
+// read (plain arithmetic for ASCII, a table for the rest); a text with a unit that does
+// not map one for one is upper-cased whole (its upper case may be longer: "ß" becomes
+// "SS").
 class Key
 {
 public:
@@ -33,17 +66,27 @@ public:
     Key &operator=(const Key &) = delete;
     explicit Key(QStringView text) : m_view(trimmedBlanks(text))
     {
-        if (!isAscii(m_view)) {
-            m_upper = m_view.toString().toUpper();
-            m_view = m_upper;
-            m_mapped = true;
+        for (const QChar c : m_view) {
+            if (c.unicode() < 0x80)
+                continue;
+            if (!m_table)
+                m_table = &upperUnits();
+            if ((*m_table)[c.unicode()] == 0) {
+                m_upper = m_view.toString().toUpper();
+                m_view = m_upper;
+                m_table = nullptr;
+                m_mapped = true;
+                break;
+            }
         }
     }
     qsizetype size() const { return m_view.size(); }
     char16_t at(qsizetype i) const
     {
         const char16_t c = m_view.at(i).unicode();
-        return m_mapped ? c : asciiUpper(c);
+        if (m_mapped || c < 0x80)
+            return m_mapped ? c : asciiUpper(c);
+        return (*m_table)[c];
     }
     quint32 hash() const
     {
@@ -69,7 +112,8 @@ public:
 private:
     QStringView m_view;
     QString m_upper;
-    bool m_mapped = false;
+    const UpperUnits *m_table = nullptr; // set once a unit is not ASCII
+    bool m_mapped = false; // m_view is the upper-cased text
 };
 
 } // namespace
