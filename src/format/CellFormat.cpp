@@ -552,34 +552,42 @@ bool CellFormat::formatDate(QStringView value, CellText &buffer) const
     int year = 0, month = 0, day = 0;
     if (!m_fast || !readDate(value, m_dateSeparator, m_vf.regional.dateOrder, year, month, day))
         return false;
+    // Every step writes four units at most: written in place, then cut to length.
+    buffer.resize(qsizetype(m_dateSteps.size()) * 4);
+    char16_t *out = buffer.data();
+    const auto two = [&out](int n) {
+        *out++ = char16_t(u'0' + n / 10 % 10);
+        *out++ = char16_t(u'0' + n % 10);
+    };
     for (const DateStep &step : m_dateSteps) {
         switch (step.kind) {
         case DateStep::Literal:
-            buffer.append(step.literal);
+            *out++ = step.literal;
             break;
         case DateStep::Day:
         case DateStep::Month: {
             const int n = step.kind == DateStep::Day ? day : month;
             if (n >= 10)
-                buffer.append(char16_t(u'0' + n / 10));
-            buffer.append(char16_t(u'0' + n % 10));
+                *out++ = char16_t(u'0' + n / 10);
+            *out++ = char16_t(u'0' + n % 10);
             break;
         }
         case DateStep::Day2:
-            appendTwoDigits(buffer, day);
+            two(day);
             break;
         case DateStep::Month2:
-            appendTwoDigits(buffer, month);
+            two(month);
             break;
         case DateStep::Year2:
-            appendTwoDigits(buffer, year % 100);
+            two(year % 100);
             break;
         case DateStep::Year4:
-            appendTwoDigits(buffer, year / 100);
-            appendTwoDigits(buffer, year % 100);
+            two(year / 100);
+            two(year % 100);
             break;
         }
     }
+    buffer.resize(out - buffer.data());
     if (m_dateFrom)
         std::replace(buffer.begin(), buffer.end(), m_dateFrom, m_dateTo);
     if (buffer.size() < m_emptyDateText.size())

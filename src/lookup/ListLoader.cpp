@@ -133,6 +133,12 @@ public:
             return {};
         const qsizetype n = text.size();
         const char16_t *units = reinterpret_cast<const char16_t *>(text.data());
+        if (m_last.known.width >= 0 && n == m_key.size() && sameAsLast(units, n)) {
+            ++m_lookups;
+            ++m_hits;
+            return m_last.known; // neighbouring cells are often of one shape
+        }
+        m_last = {};
         m_key.resize(n);
         char16_t *key = m_key.data();
         bool kept = true, digits = false;
@@ -145,15 +151,17 @@ public:
             key[i] = u'0';
             digits = true;
             // The characters at either end of a run of digits.
-            if ((i > 0 && !isDigit(units[i - 1]) && !besideDigitsAlike(units[i - 1], measure))
-                || (i + 1 < n && !isDigit(units[i + 1])
-                    && !besideDigitsAlike(units[i + 1], measure)))
+            if (kept
+                && ((i > 0 && !isDigit(units[i - 1]) && !besideDigitsAlike(units[i - 1], measure))
+                    || (i + 1 < n && !isDigit(units[i + 1])
+                        && !besideDigitsAlike(units[i + 1], measure))))
                 kept = false;
         }
-        if (digits && !digitPairsAlike(measure))
+        if (digits && m_digitPairs <= 0 && !digitPairsAlike(measure))
             kept = false;
         if (!kept)
             std::copy(units, units + n, key);
+        m_last.digitsAsZero = kept;
         m_hash = hashOf(m_key);
         ++m_lookups;
         if (!m_slots.empty()) {
@@ -164,6 +172,7 @@ public:
                 if (slot.hash == m_hash && slot.length == n
                     && std::equal(m_key.begin(), m_key.end(), m_shapes.begin() + slot.start)) {
                     ++m_hits;
+                    m_last.known = slot.known;
                     return slot.known;
                 }
             }
@@ -185,6 +194,7 @@ public:
         insert({m_hash, qsizetype(m_shapes.size()), m_key.size(), known});
         m_shapes.append(m_key.data(), m_key.size());
         ++m_count;
+        m_last.known = known;
     }
 
 private:
@@ -196,6 +206,17 @@ private:
     };
 
     static bool isDigit(char16_t ch) { return ch >= u'0' && ch <= u'9'; }
+    // Whether the text has the shape of the last find(), which m_key still holds.
+    bool sameAsLast(const char16_t *units, qsizetype n) const
+    {
+        const char16_t *key = m_key.data();
+        if (!m_last.digitsAsZero)
+            return std::equal(units, units + n, key);
+        for (qsizetype i = 0; i < n; ++i)
+            if ((isDigit(units[i]) ? u'0' : units[i]) != key[i])
+                return false;
+        return true;
+    }
     static quint64 hashOf(const CellText &key)
     {
         // Four units at a time, then the rest.
@@ -229,7 +250,15 @@ private:
     // Whether a digit next to ch may be read as "0": every digit beside it is as wide.
     bool besideDigitsAlike(char16_t ch, const TextMeasure &measure)
     {
-        if (ch >= BesideTable || QChar::isSurrogate(ch))
+        if (ch >= BesideTable)
+            return false;
+        if (m_beside[ch] > 0)
+            return true;
+        return checkBeside(ch, measure);
+    }
+    bool checkBeside(char16_t ch, const TextMeasure &measure)
+    {
+        if (QChar::isSurrogate(ch))
             return false;
         qint8 &known = m_beside[ch];
         if (known == 0) {
@@ -279,6 +308,11 @@ private:
     CellText m_shapes; // the remembered shapes, one after the other
     size_t m_count = 0;
     CellText m_key; // the shape of the last find()
+    struct
+    {
+        Known known; // what is known of m_key; none: not remembered
+        bool digitsAsZero = false; // m_key reads digits as "0"
+    } m_last;
     quint64 m_hash = 0;
     std::vector<qint8> m_beside = std::vector<qint8>(BesideTable, 0); // 1 alike, -1 not
     qsizetype m_lookups = 0, m_hits = 0;
@@ -348,14 +382,48 @@ public:
             digits.append(char16_t(*p));
         cell(c, QStringView(digits.data(), digits.size()));
     }
-    // A text read as UTF-8 that is plain ASCII, widened into the builder's own buffer.
-    void ascii(int c, const char *text, qsizetype length)
+    // A text read as UTF-8, decoded into the builder's own buffer; false, with no cell
+    // taken, when it is not well-formed UTF-8 (the caller has it converted otherwise).
+    bool utf8(int c, const unsigned char *text, qsizetype length)
     {
         CellText &units = m_raw[size_t(c)];
-        units.resize(length);
-        for (qsizetype i = 0; i < length; ++i)
-            units[i] = char16_t(uchar(text[i]));
+        units.resize(length); // never more units than bytes
+        char16_t *out = units.data();
+        const unsigned char *p = text, *end = text + length;
+        while (p < end) {
+            const unsigned b = *p;
+            if (b < 0x80) {
+                *out++ = char16_t(b);
+                ++p;
+                continue;
+            }
+            const auto follows = [&](qsizetype i) {
+                return p + i < end && (p[i] & 0xC0) == 0x80;
+            };
+            if (b >= 0xC2 && b < 0xE0 && follows(1)) {
+                *out++ = char16_t((b & 0x1F) << 6 | (p[1] & 0x3F));
+                p += 2;
+            } else if (b >= 0xE0 && b < 0xF0 && follows(1) && follows(2)) {
+                const unsigned u = (b & 0x0F) << 12 | (p[1] & 0x3F) << 6 | (p[2] & 0x3F);
+                if (u < 0x800 || (u >= 0xD800 && u < 0xE000))
+                    return false; // overlong, or a surrogate
+                *out++ = char16_t(u);
+                p += 3;
+            } else if (b >= 0xF0 && b < 0xF5 && follows(1) && follows(2) && follows(3)) {
+                const unsigned u
+                    = (b & 0x07) << 18 | (p[1] & 0x3F) << 12 | (p[2] & 0x3F) << 6 | (p[3] & 0x3F);
+                if (u < 0x10000 || u > 0x10FFFF)
+                    return false;
+                *out++ = char16_t(0xD800 + ((u - 0x10000) >> 10));
+                *out++ = char16_t(0xDC00 + ((u - 0x10000) & 0x3FF));
+                p += 4;
+            } else {
+                return false;
+            }
+        }
+        units.resize(out - units.data());
         cell(c, QStringView(units.data(), units.size()));
+        return true;
     }
 
     // Appends the row; false once the load is canceled.
@@ -509,14 +577,6 @@ struct StatementDeleter
     void operator()(sqlite3_stmt *statement) const { sqlite3_finalize(statement); }
 };
 
-bool isAscii(const unsigned char *text, int length)
-{
-    unsigned char any = 0;
-    for (int i = 0; i < length; ++i)
-        any |= text[i];
-    return any < 0x80;
-}
-
 // Reads the rows of a query straight from the SQLite handle under a QSQLITE
 // connection, each cell as the driver gives it to a QSqlQuery (an integer, a real, a text,
 // the bytes of a blob, or Null) and shown the same way, without a QVariant and a QString
@@ -563,13 +623,10 @@ bool readSqlite(const QSqlDatabase &db, const QString &sql, const ListLoadOption
                 break;
             }
             default: {
-                // Plain ASCII is widened here; any other text SQLite converts itself,
-                // as it does for the driver.
+                // Well-formed UTF-8 is decoded here, anything else SQLite converts
+                // itself, as it does for the driver.
                 const unsigned char *text = sqlite3_column_text(st, c);
-                const int length = sqlite3_column_bytes(st, c);
-                if (isAscii(text, length)) {
-                    rows.ascii(c, reinterpret_cast<const char *>(text), length);
-                } else {
+                if (!rows.utf8(c, text, sqlite3_column_bytes(st, c))) {
                     const void *units = sqlite3_column_text16(st, c);
                     rows.cell(
                         c,
