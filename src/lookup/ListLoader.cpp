@@ -382,6 +382,40 @@ public:
             digits.append(char16_t(*p));
         cell(c, QStringView(digits.data(), digits.size()));
     }
+    // A date from the database: shown as its text (dateToString) would be.
+    void date(int c, QDate value)
+    {
+        if (!value.isValid() || value.year() < 1 || value.year() > 9999) {
+            cell(c, dateToString(value, m_options.regional));
+            return;
+        }
+        const int y = value.year(), m = value.month(), d = value.day();
+        const char16_t day[2] = {char16_t(u'0' + d / 10), char16_t(u'0' + d % 10)};
+        const char16_t month[2] = {char16_t(u'0' + m / 10), char16_t(u'0' + m % 10)};
+        const char16_t year[4] = {char16_t(u'0' + y / 1000), char16_t(u'0' + y / 100 % 10),
+                                  char16_t(u'0' + y / 10 % 10), char16_t(u'0' + y % 10)};
+        const char16_t separator = m_options.regional.dateSeparator.unicode();
+        CellText &text = m_raw[size_t(c)];
+        text.clear();
+        const auto part = [&text](const char16_t *digits, qsizetype n) {
+            text.append(digits, n);
+        };
+        switch (m_options.regional.dateOrder) {
+        case RegionalSettings::DayMonthYear:
+            part(day, 2), text.append(separator), part(month, 2), text.append(separator);
+            part(year, 4);
+            break;
+        case RegionalSettings::MonthDayYear:
+            part(month, 2), text.append(separator), part(day, 2), text.append(separator);
+            part(year, 4);
+            break;
+        case RegionalSettings::YearMonthDay:
+            part(year, 4), text.append(separator), part(month, 2), text.append(separator);
+            part(day, 2);
+            break;
+        }
+        cell(c, QStringView(text.data(), text.size()));
+    }
     // A text read as UTF-8, decoded into the builder's own buffer; false, with no cell
     // taken, when it is not well-formed UTF-8 (the caller has it converted otherwise).
     bool utf8(int c, const unsigned char *text, qsizetype length)
@@ -549,8 +583,28 @@ void readQuery(QSqlQuery &query, const ListLoadOptions &options, LoadedList &out
         dateColumn[size_t(c)] = rows.isDateColumn(c);
     bool onRow = query.isValid() || (query.at() == QSql::BeforeFirstRow && query.next());
     while (onRow) {
-        for (int c = 0; c < columns; ++c)
-            rows.cell(c, valueText(query.value(c), options.regional, dateColumn[size_t(c)]));
+        for (int c = 0; c < columns; ++c) {
+            const QVariant v = query.value(c);
+            if (v.isNull()) {
+                rows.cell(c, QStringView());
+                continue;
+            }
+            switch (v.typeId()) {
+            case QMetaType::QString:
+                rows.cell(c, v.toString());
+                break;
+            case QMetaType::Double:
+            case QMetaType::Float:
+                rows.number(c, v.toDouble());
+                break;
+            case QMetaType::QDate:
+                rows.date(c, v.toDate());
+                break;
+            default:
+                rows.cell(c, valueText(v, options.regional, dateColumn[size_t(c)]));
+                break;
+            }
+        }
         if (!rows.endRow())
             return;
         onRow = query.next();
