@@ -218,10 +218,31 @@ void ListRows::appendCells(std::span<const QStringView> cells)
         throw std::length_error("ListRows: the list holds more rows or text than it can address");
     if (m_offsets.isEmpty())
         m_offsets.append(0); // where the first cell starts
-    for (int c = 0; c < m_columns; ++c) {
-        if (size_t(c) < cells.size())
-            m_text.append(cells[size_t(c)]);
-        m_offsets.append(quint32(m_text.size()));
+    const QChar *text = m_text.constData();
+    const bool inside = std::any_of(cells.begin(), cells.end(), [&](QStringView cell) {
+        return cell.data() >= text && cell.data() < text + m_text.size();
+    });
+    if (inside) { // a cell of this table: appended one by one, each where it is now
+        for (int c = 0; c < m_columns; ++c) {
+            if (size_t(c) < cells.size())
+                m_text.append(cells[size_t(c)]);
+            m_offsets.append(quint32(m_text.size()));
+        }
+    } else { // the row's text and offsets in one step each (both grow geometrically)
+        qsizetype at = m_text.size();
+        m_text.resize(at + length);
+        QChar *out = m_text.data();
+        const qsizetype first = m_offsets.size();
+        m_offsets.resize(first + m_columns);
+        quint32 *offset = m_offsets.data() + first;
+        for (int c = 0; c < m_columns; ++c) {
+            if (size_t(c) < cells.size()) {
+                const QStringView cell = cells[size_t(c)];
+                std::copy(cell.begin(), cell.end(), out + at);
+                at += cell.size();
+            }
+            offset[c] = quint32(at);
+        }
     }
     ++m_rows;
 }
