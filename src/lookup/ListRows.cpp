@@ -2,9 +2,17 @@
 #include "format/Text.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
+#include <memory>
+#include <new>
 #include <stdexcept>
+#include <type_traits>
 #include <utility>
+
+#ifdef __linux__
+#    include <sys/mman.h>
+#endif
 
 namespace velmora::detail {
 
@@ -116,6 +124,68 @@ private:
     bool m_mapped = false; // m_view is the upper-cased text
 };
 
+// An array of plain values that is allocated once. A large one is asked to sit on huge
+// pages where the system grants them on request: a search reads it at random, and with
+// small pages each read of a big index would also miss the address cache.
+template<typename T>
+class PagedArray
+{
+    static_assert(std::is_trivially_copyable_v<T>);
+
+public:
+    PagedArray() = default;
+    PagedArray(size_t size, const T &fill) : m_size(size)
+    {
+        if (size == 0)
+            return;
+        constexpr size_t Huge = size_t(2) << 20;
+        const size_t bytes = size * sizeof(T);
+        if (bytes >= Huge) {
+            const size_t rounded = (bytes + Huge - 1) / Huge * Huge;
+            m_data = static_cast<T *>(std::aligned_alloc(Huge, rounded));
+#ifdef MADV_HUGEPAGE
+            if (m_data)
+                madvise(m_data, rounded, MADV_HUGEPAGE); // a hint: refused is fine
+#endif
+        } else {
+            m_data = static_cast<T *>(std::malloc(bytes));
+        }
+        if (!m_data)
+            throw std::bad_alloc();
+        std::uninitialized_fill_n(m_data, size, fill);
+    }
+    ~PagedArray()
+    {
+        std::free(m_data);
+    }
+    PagedArray(PagedArray &&other) noexcept
+        : m_data(std::exchange(other.m_data, nullptr)), m_size(std::exchange(other.m_size, 0))
+    { }
+    PagedArray &operator=(PagedArray &&other) noexcept
+    {
+        std::swap(m_data, other.m_data);
+        std::swap(m_size, other.m_size);
+        return *this;
+    }
+
+    T &operator[](size_t i)
+    {
+        return m_data[i];
+    }
+    const T &operator[](size_t i) const
+    {
+        return m_data[i];
+    }
+    size_t size() const
+    {
+        return m_size;
+    }
+
+private:
+    T *m_data = nullptr;
+    size_t m_size = 0;
+};
+
 } // namespace
 
 // The distinct keys of one column in an open-addressing table (linear probing, at
@@ -131,12 +201,12 @@ struct ListRows::ColumnIndex
         quint32 start = 0, length = 0; // the row's cell in m_text
     };
     quint32 mask = 0; // slots - 1
-    std::vector<Slot> table;
-    std::vector<qint32> nextRow; // the next row with the same key, -1 = none
+    PagedArray<Slot> table;
+    PagedArray<qint32> nextRow; // the next row with the same key, -1 = none
 
     qsizetype bytes() const
     {
-        return qsizetype(table.capacity() * sizeof(Slot) + nextRow.capacity() * sizeof(qint32));
+        return qsizetype(table.size() * sizeof(Slot) + nextRow.size() * sizeof(qint32));
     }
 };
 
@@ -312,8 +382,8 @@ const ListRows::ColumnIndex &ListRows::indexOf(int column) const
     while (size * 3 < size_t(m_rows) * 4)
         size *= 2;
     index->mask = quint32(size - 1);
-    index->table.assign(size, {});
-    index->nextRow.assign(size_t(m_rows), -1);
+    index->table = PagedArray<ColumnIndex::Slot>(size, {});
+    index->nextRow = PagedArray<qint32>(size_t(m_rows), -1);
     std::vector<qint32> lastRow(size, -1); // per slot: the last row of its key so far
 
     for (int r = 0; r < m_rows; ++r) {
