@@ -7,12 +7,16 @@
 #include "lookup/ListFormat.h"
 #include "lookup/ListLoader.h"
 
+#include "format/Regional.h"
+
 #include <velmora/DatabaseError.h>
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QTemporaryDir>
 #include <QtSql/QSqlDatabase>
 #include <QtSql/QSqlQuery>
+
+#include <random>
 
 using namespace velmora;
 using namespace velmora::detail;
@@ -198,6 +202,73 @@ private Q_SLOTS:
                 widest = std::max(widest, measure(measured.rows.cell(r, c)));
             QCOMPARE(measured.columns.length(c), widest);
         }
+    }
+
+    // A number from the database is formatted from the double exactly as its text
+    // (numberToString) would be: amounts of few decimals, values at the edges of the
+    // 15 digits, rounding and the exponent range, and random doubles of every size.
+    void numbersFromTheDouble_data()
+    {
+        columns<QString, QString>({"mode", "format"});
+        row("Czech grouped", "Czech", "#,##0.00");
+        row("English grouped", "English", "#,##0.00");
+        row("three sections, percent", "Czech", "0.0%;(0.0);zero");
+        row("no format", "English", "");
+        row("integer places only", "Czech", "000");
+    }
+    void numbersFromTheDouble()
+    {
+        const RegionalSettings rs = VFETCH(QString, mode) == u"English"
+            ? RegionalSettings::english()
+            : RegionalSettings::czech(u' ');
+        ParsedFormat pf;
+        pf.systemDecimalSeparator = pf.decimalSeparator = rs.decimalSeparator;
+        pf.systemThousandsSeparator = pf.thousandsSeparator = rs.thousandsSeparator;
+        ListColumns columns;
+        columns.setUpperBound(0);
+        columns.setDataType(0, itNum);
+        columns.setFormatString(0, VFETCH(QString, format));
+        const ListCellFormatter formatter(columns, &pf, rs);
+
+        QList<double> values = {0.0,
+                                -0.0,
+                                0.005,
+                                -0.005,
+                                0.995,
+                                12345.67,
+                                -0.5,
+                                0.125,
+                                1e-7,
+                                2.5e-7,
+                                1e-300,
+                                999999999999999.0,
+                                1e15,
+                                -1e15,
+                                1e20,
+                                0.1 + 0.2,
+                                123456789.123456789,
+                                1.0 / 3,
+                                5e-324,
+                                qInf(),
+                                -qInf(),
+                                qQNaN()};
+        std::mt19937_64 random(20261122);
+        for (int i = 0; i < 2000; ++i) {
+            const int scale = int(random() % 40) - 20;
+            values << double(qint64(random() % 2000000000) - 1000000000) * std::pow(10.0, scale);
+            values << double(qint64(random() % 10000000)) / 100; // an amount
+            values << double(qint64(random() % 100000)) / 100 + 1e-11 * double(random() % 9 + 1);
+        }
+        CellText fast;
+        int taken = 0;
+        for (const double v : values) {
+            const QString expected = formatter.format(numberToString(v, rs), 0);
+            if (!formatter.formatFast(v, 0, fast))
+                continue; // left to the text route
+            ++taken;
+            QCOMPARE(QString(reinterpret_cast<const QChar *>(fast.data()), fast.size()), expected);
+        }
+        QVERIFY(taken > values.size() * 3 / 4);
     }
 
     // A host's query is read from where it stands to its end, and left there.
