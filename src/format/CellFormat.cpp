@@ -5,6 +5,8 @@
 #include <QtCore/QVarLengthArray>
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <cstring>
 
 namespace velmora::detail {
@@ -19,16 +21,8 @@ constexpr char16_t Placeholder = 0x016F;
 // digits comes back from its double with the same 15 digits, as formatNumber writes it.
 constexpr int FastDigits = 15;
 
-using Buffer = QVarLengthArray<char16_t, 128>;
-
-// The digits of a number: 0.digit x 10^point, without leading or trailing zeros, and
-// none at all for zero.
-struct Digits
-{
-    char digit[20];
-    int count = 0;
-    int point = 0;
-};
+using Buffer = CellText;
+using Digits = CellFormat::Digits;
 
 bool isAsciiDigit(char16_t c)
 {
@@ -40,14 +34,16 @@ char16_t asciiLower(char16_t c)
     return c >= u'A' && c <= u'Z' ? char16_t(c + 32) : c;
 }
 
-void appendTwoDigits(Buffer &out, int n)
+inline void appendTwoDigits(Buffer &out, int n)
 {
-    out.append(char16_t(u'0' + n / 10 % 10));
-    out.append(char16_t(u'0' + n % 10));
+    const char16_t digits[2] = {char16_t(u'0' + n / 10 % 10), char16_t(u'0' + n % 10)};
+    out.append(digits, 2);
 }
 
 QString toQString(const Buffer &b)
 {
+    if (b.isEmpty())
+        return {};
     return QString(reinterpret_cast<const QChar *>(b.data()), b.size());
 }
 
@@ -300,6 +296,62 @@ bool readNumber(QStringView value, char16_t decimal, bool &negative, Digits &m)
     return m.count <= FastDigits && m.point <= FastDigits && m.point > -290;
 }
 
+// The digits of n (below 10^18) with the point `scale` places from the right.
+void integerDigits(quint64 n, int scale, Digits &m)
+{
+    char buf[20];
+    int length = 0;
+    for (; n > 0; n /= 10)
+        buf[length++] = char('0' + n % 10);
+    m.count = 0;
+    for (int i = length - 1; i >= 0; --i)
+        m.digit[m.count++] = buf[i];
+    m.point = length - scale;
+    while (m.count > 0 && m.digit[m.count - 1] == '0')
+        --m.count;
+}
+
+// The digits numberToString writes for a positive finite magnitude: its 15 significant
+// digits, trailing zeros dropped; false when numberToString writes an exponent (from
+// 1e15 on) or the number is too small for readNumber, both left to the text route.
+// A decimal of at most 15 significant digits that reads back as the same double is
+// those digits, so amounts with few decimals are found without a conversion routine.
+bool digitsOf(double magnitude, Digits &m)
+{
+    if (magnitude < 1e15) {
+        static constexpr double Scales[] = {1, 10, 100, 1000, 10000, 1e5, 1e6};
+        for (int scale = 0; scale < int(std::size(Scales)); ++scale) {
+            const double scaled = magnitude * Scales[scale];
+            if (scaled >= 1e15)
+                break;
+            const double whole = std::nearbyint(scaled);
+            if (whole != 0 && whole / Scales[scale] == magnitude) {
+                integerDigits(quint64(whole), scale, m);
+                return true;
+            }
+        }
+    }
+    char buf[64];
+    const auto res = std::to_chars(buf, buf + sizeof buf, magnitude, std::chars_format::scientific,
+                                   FastDigits - 1);
+    m = {};
+    const char *p = buf;
+    for (; p < res.ptr && *p != 'e'; ++p)
+        if (*p != '.')
+            m.digit[m.count++] = *p;
+    int exp10 = 0;
+    if (p < res.ptr) {
+        const char *e = p + 1;
+        if (e < res.ptr && *e == '+')
+            ++e;
+        std::from_chars(e, res.ptr, exp10);
+    }
+    m.point = exp10 + 1;
+    while (m.count > 0 && m.digit[m.count - 1] == '0')
+        --m.count;
+    return m.point <= FastDigits && m.point > -290;
+}
+
 // Three parts of one to four digits between separators, read as toDate reads them;
 // false for anything else and for no calendar date.
 bool readDate(QStringView value, char16_t separator, RegionalSettings::DateOrder order, int &year,
@@ -386,33 +438,52 @@ CellFormat::CellFormat(const ValueFormat &vf) : m_vf(vf)
 
 QString CellFormat::format(const QString &value) const
 {
-    QString out;
-    if (m_kind == Kind::Number ? formatNumber(value, out)
-                               : m_kind == Kind::Date && formatDate(value, out))
-        return out;
-    return displayText(value, m_vf);
+    return format(QStringView(value));
 }
 
 QString CellFormat::format(QStringView value) const
 {
-    QString out;
-    if (m_kind == Kind::Number ? formatNumber(value, out)
-                               : m_kind == Kind::Date && formatDate(value, out))
-        return out;
+    Buffer out;
+    if (formatFast(value, out))
+        return toQString(out);
     return displayText(value.toString(), m_vf);
 }
 
-bool CellFormat::formatNumber(QStringView value, QString &out) const
+bool CellFormat::formatFast(QStringView value, CellText &out) const
 {
-    if (value.isEmpty()) {
-        out = QString();
+    out.clear();
+    return m_kind == Kind::Number ? formatNumber(value, out)
+                                  : m_kind == Kind::Date && formatDate(value, out);
+}
+
+bool CellFormat::formatFast(double value, CellText &out) const
+{
+    out.clear();
+    if (m_kind != Kind::Number)
+        return false;
+    if (!std::isfinite(value))
+        return true; // numberToString gives no text for it, and no text shows as none
+    if (!m_fast)
+        return false;
+    Digits m;
+    if (value != 0 && !digitsOf(std::fabs(value), m))
+        return false;
+    return renderNumber(value < 0 && m.count > 0, m, out);
+}
+
+bool CellFormat::formatNumber(QStringView value, CellText &out) const
+{
+    if (value.isEmpty())
         return true;
-    }
     bool negative = false;
     Digits m;
     if (!m_fast || !readNumber(value, m_decimal, negative, m))
         return false;
+    return renderNumber(negative, m, out);
+}
 
+bool CellFormat::renderNumber(bool negative, Digits &m, CellText &buffer) const
+{
     // formatNumber of Regional.cpp, on the digits.
     auto partFor = [&](bool minus, bool zero) -> size_t {
         size_t i = 0;
@@ -422,7 +493,6 @@ bool CellFormat::formatNumber(QStringView value, QString &out) const
             i = 1;
         return m_parts[i].isEmpty ? 0 : i;
     };
-    Buffer buffer;
     size_t index = partFor(negative, m.count == 0);
     if (m_parts[index].isEmpty) {
         writePlain(buffer, negative, m, m_decimal);
@@ -469,53 +539,59 @@ bool CellFormat::formatNumber(QStringView value, QString &out) const
         }
         buffer[i] = c;
     }
-    out = toQString(buffer);
     return true;
 }
 
-bool CellFormat::formatDate(QStringView value, QString &out) const
+bool CellFormat::formatDate(QStringView value, CellText &buffer) const
 {
     if (std::all_of(value.begin(), value.end(), [](QChar c) { return c == u' '; })) {
-        out = m_emptyDateText;
+        buffer.append(reinterpret_cast<const char16_t *>(m_emptyDateText.constData()),
+                      m_emptyDateText.size());
         return true;
     }
     int year = 0, month = 0, day = 0;
     if (!m_fast || !readDate(value, m_dateSeparator, m_vf.regional.dateOrder, year, month, day))
         return false;
-    Buffer buffer;
+    // Every step writes four units at most: written in place, then cut to length.
+    buffer.resize(qsizetype(m_dateSteps.size()) * 4);
+    char16_t *out = buffer.data();
+    const auto two = [&out](int n) {
+        *out++ = char16_t(u'0' + n / 10 % 10);
+        *out++ = char16_t(u'0' + n % 10);
+    };
     for (const DateStep &step : m_dateSteps) {
         switch (step.kind) {
         case DateStep::Literal:
-            buffer.append(step.literal);
+            *out++ = step.literal;
             break;
         case DateStep::Day:
         case DateStep::Month: {
             const int n = step.kind == DateStep::Day ? day : month;
             if (n >= 10)
-                buffer.append(char16_t(u'0' + n / 10));
-            buffer.append(char16_t(u'0' + n % 10));
+                *out++ = char16_t(u'0' + n / 10);
+            *out++ = char16_t(u'0' + n % 10);
             break;
         }
         case DateStep::Day2:
-            appendTwoDigits(buffer, day);
+            two(day);
             break;
         case DateStep::Month2:
-            appendTwoDigits(buffer, month);
+            two(month);
             break;
         case DateStep::Year2:
-            appendTwoDigits(buffer, year % 100);
+            two(year % 100);
             break;
         case DateStep::Year4:
-            appendTwoDigits(buffer, year / 100);
-            appendTwoDigits(buffer, year % 100);
+            two(year / 100);
+            two(year % 100);
             break;
         }
     }
+    buffer.resize(out - buffer.data());
     if (m_dateFrom)
         std::replace(buffer.begin(), buffer.end(), m_dateFrom, m_dateTo);
     if (buffer.size() < m_emptyDateText.size())
         buffer.insert(buffer.cbegin(), u' ');
-    out = toQString(buffer);
     return true;
 }
 

@@ -11,10 +11,14 @@
 
 #include <QtCore/QString>
 #include <QtCore/QStringView>
+#include <QtCore/QVarLengthArray>
 
 #include <vector>
 
 namespace velmora::detail {
+
+// A cell's text as the fast paths write it: no QString per cell.
+using CellText = QVarLengthArray<char16_t, 128>;
 
 class CellFormat
 {
@@ -26,6 +30,13 @@ public:
     // displayText(value, valueFormat()).
     QString format(const QString &value) const;
     QString format(QStringView value) const;
+
+    // format(value) written into out (what it held is replaced) when a fast path renders
+    // the value; false when it is left to displayText(), out then holding anything.
+    bool formatFast(QStringView value, CellText &out) const;
+    // The same for a number as a database gives it: the text of
+    // format(numberToString(value, regional)) without the text in between.
+    bool formatFast(double value, CellText &out) const;
 
     const ValueFormat &valueFormat() const { return m_vf; }
 
@@ -50,6 +61,14 @@ public:
         int minIntegerDigits = 0;
         int minDecimalDigits = 0;
     };
+    // The digits of a number: 0.digit x 10^point, without leading or trailing zeros,
+    // and none at all for zero.
+    struct Digits
+    {
+        char digit[20];
+        int count = 0;
+        int point = 0;
+    };
     struct DateStep
     {
         enum Kind : quint8 { Literal, Day, Day2, Month, Month2, Year2, Year4 };
@@ -61,8 +80,9 @@ private:
     enum class Kind { Other, Number, Date };
 
     // The fast paths; false when the value is left to displayText().
-    bool formatNumber(QStringView value, QString &out) const;
-    bool formatDate(QStringView value, QString &out) const;
+    bool formatNumber(QStringView value, CellText &out) const;
+    bool renderNumber(bool negative, Digits &m, CellText &out) const;
+    bool formatDate(QStringView value, CellText &out) const;
 
     ValueFormat m_vf;
     Kind m_kind = Kind::Other;

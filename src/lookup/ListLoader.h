@@ -64,6 +64,12 @@ public:
     ListCellFormatter(const ListColumns &columns, const ParsedFormat *parsed,
                       const RegionalSettings &regional);
     QString format(const QString &cell, int column) const;
+    // format(cell, column) of a cell already trimmed, written into out, when the column's
+    // fast path renders it; false when it must go through format().
+    bool formatFast(QStringView trimmed, int column, CellText &out) const;
+    // The same for a number from a database: the text format() gives the number as
+    // numberToString writes it.
+    bool formatFast(double value, int column, CellText &out) const;
     // Whether the column shows its trimmed cells as they are (type "A", no format).
     bool showsAsIs(int column) const;
     const ValueFormat &valueFormat(int column) const;

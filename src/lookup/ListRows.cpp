@@ -2,30 +2,71 @@
 #include "format/Text.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
+#include <memory>
+#include <new>
 #include <stdexcept>
+#include <type_traits>
 #include <utility>
+
+#ifdef __linux__
+#    include <sys/mman.h>
+#endif
 
 namespace velmora::detail {
 
 namespace {
-
-bool isAscii(QStringView s)
-{
-    for (QChar c : s)
-        if (c.unicode() >= 0x80)
-            return false;
-    return true;
-}
 
 char16_t asciiUpper(char16_t c)
 {
     return c >= u'a' && c <= u'z' ? char16_t(c - 32) : c;
 }
 
-// A key in comparable form: for ASCII text the trimmed text itself, mapped to upper
-// case on the fly; for any other text its full upper-case form (which may differ in
-// length: "ß" becomes "SS").
+// The upper case of every UTF-16 unit as QString::toUpper maps it, where that is one
+// unit for one; 0 for a unit that takes more (a surrogate, or "ß", which becomes "SS").
+// Built once, a block of 256 units at a time through toUpper itself.
+class UpperUnits
+{
+public:
+    UpperUnits()
+    {
+        for (int block = 0; block < 256; ++block) {
+            QString units(256, Qt::Uninitialized);
+            for (int i = 0; i < 256; ++i) {
+                const char16_t u = char16_t(block * 256 + i);
+                units[i] = QChar::isSurrogate(u) ? QChar(u'a') : QChar(u);
+            }
+            const QString upper = units.toUpper();
+            for (int i = 0; i < 256; ++i) {
+                const char16_t u = char16_t(block * 256 + i);
+                if (QChar::isSurrogate(u)) {
+                    m_map[u] = 0;
+                } else if (upper.size() == 256) {
+                    m_map[u] = upper[i].unicode();
+                } else {
+                    const QString one = QString(QChar(u)).toUpper();
+                    m_map[u] = one.size() == 1 ? one[0].unicode() : 0;
+                }
+            }
+        }
+    }
+    char16_t operator[](char16_t u) const { return m_map[u]; }
+
+private:
+    char16_t m_map[0x10000];
+};
+
+const UpperUnits &upperUnits()
+{
+    static const UpperUnits table;
+    return table;
+}
+
+// A key in comparable form: the trimmed text, mapped to upper case unit by unit as it is
+// read (plain arithmetic for ASCII, a table for the rest); a text with a unit that does
+// not map one for one is upper-cased whole (its upper case may be longer: "ß" becomes
+// "SS").
 class Key
 {
 public:
@@ -33,17 +74,27 @@ public:
     Key &operator=(const Key &) = delete;
     explicit Key(QStringView text) : m_view(trimmedBlanks(text))
     {
-        if (!isAscii(m_view)) {
-            m_upper = m_view.toString().toUpper();
-            m_view = m_upper;
-            m_mapped = true;
+        for (const QChar c : m_view) {
+            if (c.unicode() < 0x80)
+                continue;
+            if (!m_table)
+                m_table = &upperUnits();
+            if ((*m_table)[c.unicode()] == 0) {
+                m_upper = m_view.toString().toUpper();
+                m_view = m_upper;
+                m_table = nullptr;
+                m_mapped = true;
+                break;
+            }
         }
     }
     qsizetype size() const { return m_view.size(); }
     char16_t at(qsizetype i) const
     {
         const char16_t c = m_view.at(i).unicode();
-        return m_mapped ? c : asciiUpper(c);
+        if (m_mapped || c < 0x80)
+            return m_mapped ? c : asciiUpper(c);
+        return (*m_table)[c];
     }
     quint32 hash() const
     {
@@ -69,7 +120,70 @@ public:
 private:
     QStringView m_view;
     QString m_upper;
-    bool m_mapped = false;
+    const UpperUnits *m_table = nullptr; // set once a unit is not ASCII
+    bool m_mapped = false; // m_view is the upper-cased text
+};
+
+// An array of plain values that is allocated once. A large one is asked to sit on huge
+// pages where the system grants them on request: a search reads it at random, and with
+// small pages each read of a big index would also miss the address cache.
+template<typename T>
+class PagedArray
+{
+    static_assert(std::is_trivially_copyable_v<T>);
+
+public:
+    PagedArray() = default;
+    PagedArray(size_t size, const T &fill) : m_size(size)
+    {
+        if (size == 0)
+            return;
+        constexpr size_t Huge = size_t(2) << 20;
+        const size_t bytes = size * sizeof(T);
+        if (bytes >= Huge) {
+            const size_t rounded = (bytes + Huge - 1) / Huge * Huge;
+            m_data = static_cast<T *>(std::aligned_alloc(Huge, rounded));
+#ifdef MADV_HUGEPAGE
+            if (m_data)
+                madvise(m_data, rounded, MADV_HUGEPAGE); // a hint: refused is fine
+#endif
+        } else {
+            m_data = static_cast<T *>(std::malloc(bytes));
+        }
+        if (!m_data)
+            throw std::bad_alloc();
+        std::uninitialized_fill_n(m_data, size, fill);
+    }
+    ~PagedArray()
+    {
+        std::free(m_data);
+    }
+    PagedArray(PagedArray &&other) noexcept
+        : m_data(std::exchange(other.m_data, nullptr)), m_size(std::exchange(other.m_size, 0))
+    { }
+    PagedArray &operator=(PagedArray &&other) noexcept
+    {
+        std::swap(m_data, other.m_data);
+        std::swap(m_size, other.m_size);
+        return *this;
+    }
+
+    T &operator[](size_t i)
+    {
+        return m_data[i];
+    }
+    const T &operator[](size_t i) const
+    {
+        return m_data[i];
+    }
+    size_t size() const
+    {
+        return m_size;
+    }
+
+private:
+    T *m_data = nullptr;
+    size_t m_size = 0;
 };
 
 } // namespace
@@ -87,12 +201,12 @@ struct ListRows::ColumnIndex
         quint32 start = 0, length = 0; // the row's cell in m_text
     };
     quint32 mask = 0; // slots - 1
-    std::vector<Slot> table;
-    std::vector<qint32> nextRow; // the next row with the same key, -1 = none
+    PagedArray<Slot> table;
+    PagedArray<qint32> nextRow; // the next row with the same key, -1 = none
 
     qsizetype bytes() const
     {
-        return qsizetype(table.capacity() * sizeof(Slot) + nextRow.capacity() * sizeof(qint32));
+        return qsizetype(table.size() * sizeof(Slot) + nextRow.size() * sizeof(qint32));
     }
 };
 
@@ -174,10 +288,31 @@ void ListRows::appendCells(std::span<const QStringView> cells)
         throw std::length_error("ListRows: the list holds more rows or text than it can address");
     if (m_offsets.isEmpty())
         m_offsets.append(0); // where the first cell starts
-    for (int c = 0; c < m_columns; ++c) {
-        if (size_t(c) < cells.size())
-            m_text.append(cells[size_t(c)]);
-        m_offsets.append(quint32(m_text.size()));
+    const QChar *text = m_text.constData();
+    const bool inside = std::any_of(cells.begin(), cells.end(), [&](QStringView cell) {
+        return cell.data() >= text && cell.data() < text + m_text.size();
+    });
+    if (inside) { // a cell of this table: appended one by one, each where it is now
+        for (int c = 0; c < m_columns; ++c) {
+            if (size_t(c) < cells.size())
+                m_text.append(cells[size_t(c)]);
+            m_offsets.append(quint32(m_text.size()));
+        }
+    } else { // the row's text and offsets in one step each (both grow geometrically)
+        qsizetype at = m_text.size();
+        m_text.resize(at + length);
+        QChar *out = m_text.data();
+        const qsizetype first = m_offsets.size();
+        m_offsets.resize(first + m_columns);
+        quint32 *offset = m_offsets.data() + first;
+        for (int c = 0; c < m_columns; ++c) {
+            if (size_t(c) < cells.size()) {
+                const QStringView cell = cells[size_t(c)];
+                std::copy(cell.begin(), cell.end(), out + at);
+                at += cell.size();
+            }
+            offset[c] = quint32(at);
+        }
     }
     ++m_rows;
 }
@@ -247,8 +382,8 @@ const ListRows::ColumnIndex &ListRows::indexOf(int column) const
     while (size * 3 < size_t(m_rows) * 4)
         size *= 2;
     index->mask = quint32(size - 1);
-    index->table.assign(size, {});
-    index->nextRow.assign(size_t(m_rows), -1);
+    index->table = PagedArray<ColumnIndex::Slot>(size, {});
+    index->nextRow = PagedArray<qint32>(size_t(m_rows), -1);
     std::vector<qint32> lastRow(size, -1); // per slot: the last row of its key so far
 
     for (int r = 0; r < m_rows; ++r) {

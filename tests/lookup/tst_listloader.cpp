@@ -7,12 +7,16 @@
 #include "lookup/ListFormat.h"
 #include "lookup/ListLoader.h"
 
+#include "format/Regional.h"
+
 #include <velmora/DatabaseError.h>
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QTemporaryDir>
 #include <QtSql/QSqlDatabase>
 #include <QtSql/QSqlQuery>
+
+#include <random>
 
 using namespace velmora;
 using namespace velmora::detail;
@@ -29,6 +33,13 @@ int width(QStringView text)
     for (QChar c : text)
         w += c == u'i' || c == u' ' ? 3 : 7;
     return w;
+}
+
+// As width(), but "1" is narrower than the other digits: a text's digits then tell its
+// width apart.
+int narrowOne(QStringView text)
+{
+    return width(text) - 4 * int(text.count(u'1'));
 }
 
 QStringList allRows(const ListRows &rows)
@@ -130,6 +141,134 @@ private Q_SLOTS:
         QCOMPARE(list.sourceRows, 4);
         const ListColumns &c = list.columns;
         QCOMPARE((QList<int> {c.length(0), c.length(1), c.length(2)}), VFETCH(QList<int>, widths));
+    }
+
+    // A QSQLITE connection's rows are read straight through SQLite: the same rows and
+    // widths as through the driver's QSqlQuery (the host-query path), for every kind of
+    // cell, and widths as wide as the widest shown cell when the shapes of cells are
+    // remembered (a few hundred rows, digits of equal or of different widths).
+    void sqliteHandle_data()
+    {
+        columns<QString, QString, bool>({"mode", "listFormat", "narrowOne"});
+        row("Czech, amounts and dates", "Czech", "N#,##0.00|A|D", false);
+        row("English, percent and a number text", "English", "N0.0%|N|D", false);
+        row("plain texts", "Czech", "A|A|A", false);
+        row("narrow one", "Czech", "N#,##0.00|A|D", true);
+        row("design mode", "design", "N#,##0.00|A|D", false);
+    }
+    void sqliteHandle()
+    {
+        QSqlDatabase db = QSqlDatabase::database(u"host"_s);
+        QVERIFY(QSqlQuery(db).exec(u"CREATE TABLE IF NOT EXISTS kinds(a, b, c)"_s));
+        QVERIFY(QSqlQuery(db).exec(u"DELETE FROM kinds"_s));
+        QVERIFY(QSqlQuery(db).exec(
+            u"INSERT INTO kinds VALUES (NULL, NULL, NULL), (0, -0.0, ''), "
+            "(-7, 12345678901234567, '  1,5  '), (0.1, 1e20, 'Žluťoučký kůň'), "
+            "(-0.5, 1e-300, 'Straße'), (1234.5, 2.5e-7, '2005-12-24'), "
+            "(123456.789, 99999999999999.9, X'C5BD'), (0.005, -1234567.125, '31.12.1999'), "
+            "('12,5', 'iiii', 'no date'), (CAST(X'C328FF' AS TEXT), '😀 €', 'ň')"_s));
+        QVERIFY(QSqlQuery(db).exec(
+            u"INSERT INTO kinds WITH RECURSIVE s(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM s "
+            "WHERE i < 400) SELECT i * 13.25 - 2000, 'Item ' || i || ' of ' || (i % 7), "
+            "date('2000-01-01', '+' || (i * 37) || ' days') FROM s"_s));
+        // The widest cells last, each of a shape met before in narrower cells.
+        QVERIFY(QSqlQuery(db).exec(
+            u"INSERT INTO kinds VALUES (-8888.88, 'Item 888 of 6', '2088-08-28')"_s));
+        const QString mode = VFETCH(QString, mode);
+        Field field(mode == u"English" ? RegionalSettings::english()
+                                       : RegionalSettings::czech(u' '));
+        field.o.formatCells = mode != u"design";
+        field.listFormat = VFETCH(QString, listFormat);
+        const auto measure = VFETCH(bool, narrowOne) ? narrowOne : width;
+        field.o.measure = {measure, 0, {}}; // every cell goes to the measure or its memory
+        const QString sql = u"SELECT * FROM kinds"_s;
+
+        const LoadedList direct = ListLoader(field.o).fromDatabase(db, sql, field.ready());
+        QSqlQuery q(db);
+        QVERIFY(q.exec(sql));
+        const LoadedList driver = ListLoader(field.o).fromQuery(q, field.ready());
+        QCOMPARE(allRows(direct.rows), allRows(driver.rows));
+        QCOMPARE(direct.sourceRows, 411);
+
+        // The widths, on the generated rows alone: the cells above would be the widest.
+        const QString generated = u"SELECT * FROM kinds WHERE rowid > 10"_s;
+        const LoadedList measured = ListLoader(field.o).fromDatabase(db, generated, field.ready());
+        field.o.measure = {};
+        const LoadedList unmeasured
+            = ListLoader(field.o).fromDatabase(db, generated, field.ready());
+        for (int c = 0; c < 3; ++c) {
+            int widest = unmeasured.columns.length(c);
+            for (int r = 0; r < measured.rows.rowCount(); ++r)
+                widest = std::max(widest, measure(measured.rows.cell(r, c)));
+            QCOMPARE(measured.columns.length(c), widest);
+        }
+    }
+
+    // A number from the database is formatted from the double exactly as its text
+    // (numberToString) would be: amounts of few decimals, values at the edges of the
+    // 15 digits, rounding and the exponent range, and random doubles of every size.
+    void numbersFromTheDouble_data()
+    {
+        columns<QString, QString>({"mode", "format"});
+        row("Czech grouped", "Czech", "#,##0.00");
+        row("English grouped", "English", "#,##0.00");
+        row("three sections, percent", "Czech", "0.0%;(0.0);zero");
+        row("no format", "English", "");
+        row("integer places only", "Czech", "000");
+    }
+    void numbersFromTheDouble()
+    {
+        const RegionalSettings rs = VFETCH(QString, mode) == u"English"
+            ? RegionalSettings::english()
+            : RegionalSettings::czech(u' ');
+        ParsedFormat pf;
+        pf.systemDecimalSeparator = pf.decimalSeparator = rs.decimalSeparator;
+        pf.systemThousandsSeparator = pf.thousandsSeparator = rs.thousandsSeparator;
+        ListColumns columns;
+        columns.setUpperBound(0);
+        columns.setDataType(0, itNum);
+        columns.setFormatString(0, VFETCH(QString, format));
+        const ListCellFormatter formatter(columns, &pf, rs);
+
+        QList<double> values = {0.0,
+                                -0.0,
+                                0.005,
+                                -0.005,
+                                0.995,
+                                12345.67,
+                                -0.5,
+                                0.125,
+                                1e-7,
+                                2.5e-7,
+                                1e-300,
+                                999999999999999.0,
+                                1e15,
+                                -1e15,
+                                1e20,
+                                0.1 + 0.2,
+                                123456789.123456789,
+                                1.0 / 3,
+                                5e-324,
+                                qInf(),
+                                -qInf(),
+                                qQNaN()};
+        std::mt19937_64 random(20261122);
+        for (int i = 0; i < 2000; ++i) {
+            const int scale = int(random() % 40) - 20;
+            values << double(qint64(random() % 2000000000) - 1000000000) * std::pow(10.0, scale);
+            values << double(qint64(random() % 10000000)) / 100; // an amount
+            values << double(qint64(random() % 100000)) / 100 + 1e-11 * double(random() % 9 + 1);
+        }
+        CellText fast;
+        int taken = 0;
+        for (const double v : values) {
+            const QString expected = formatter.format(numberToString(v, rs), 0);
+            if (!formatter.formatFast(v, 0, fast))
+                continue; // left to the text route
+            ++taken;
+            QCOMPARE(QString(reinterpret_cast<const QChar *>(fast.data()), fast.size()), expected);
+        }
+        QVERIFY(taken > values.size() * 3 / 4);
     }
 
     // A host's query is read from where it stands to its end, and left there.
