@@ -1,5 +1,5 @@
-// The order form over a scratch database: the settings file it keeps, the price that
-// follows the product, and Save refusing or writing the order.
+// The order form over a scratch database: the order INSERT built from the fields' SQL
+// literals, the settings file the form keeps, and Save refusing or writing the order.
 
 #include "common/TestPlatform.h"
 #include "common/TestRegistry.h"
@@ -14,16 +14,28 @@
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTextStream>
 #include <QtSql/QSqlQuery>
-#include <QtSql/QSqlQueryModel>
 #include <QtTest/QTest>
-#include <QtWidgets/QApplication>
 
 using namespace velmora;
+using namespace velmora::test;
 using namespace Qt::StringLiterals;
 
 namespace {
 
-enum SettingsFile { NoFile, ThisForm, Relabelled, Partial, OlderForm, NotJson };
+enum SettingsFile { NoFile, Relabelled, Partial, NotJson };
+using Literals = QStringList; // customer, product, quantity, price, delivery, paid, note
+
+// The saved orders, newest first, one line each.
+QStringList storedOrders()
+{
+    QSqlQuery q(u"SELECT printf('%s %s %s %s %s %s %s', customer_id, product_id, quantity, "
+                "unit_price, coalesce(delivery, 'NULL'), coalesce(paid, 'NULL'), "
+                "coalesce(note, 'NULL')) FROM orders ORDER BY id DESC"_s);
+    QStringList rows;
+    while (q.next())
+        rows << q.value(0).toString();
+    return rows;
+}
 
 } // namespace
 
@@ -36,26 +48,6 @@ class TestOrderForm : public QObject
     QTextStream logStream {&log};
     std::optional<demo::OrderDatabase> db;
 
-    // A form on the default connection, with its fields filled in as a valid order.
-    struct Filled
-    {
-        Filled(demo::OrderDatabase &db, QTextStream &log) : form(db, log)
-        {
-            form.keepSettings(QString()); // no file: the lists load, nothing is written
-            form.show();
-            QApplication::setActiveWindow(&form);
-            form.customer->setValue(u"5"_s);
-            form.product->setValue(u"3"_s);
-            form.quantity->setValue(u"12"_s);
-            form.delivery->setValue(u"15.12.2026"_s);
-            form.paid->setValue(u"-1"_s);
-            form.note->setValue(u"O'Neil"_s);
-        }
-        Velmora *field(const QString &name) const { return form.findChild<Velmora *>(name); }
-        test::TestPlatform platform;
-        demo::OrderForm form;
-    };
-
 private Q_SLOTS:
     void initTestCase()
     {
@@ -65,117 +57,146 @@ private Q_SLOTS:
         QVERIFY2(db->prepare(50), qPrintable(db->lastError()));
     }
 
+    // Literals as the fields hand them out, through the INSERT into SQLite, and what is
+    // stored; a literal that is not what its field would give never reaches the SQL.
+    void orderInsert_data()
+    {
+        columns<Literals, QString>({"literals", "stored"});
+        row("a whole order", Literals {"7", "2", "12", "149.9", "12/15/2026", "-1", "rychle"},
+            "7 2 12.0 149.9 2026-12-15 -1 rychle");
+        row("quotes doubled by the field",
+            Literals {"7", "2", "1", "0.5", "", "0", "O''Brien – ''x''); DROP TABLE orders; --"},
+            "7 2 1.0 0.5 NULL 0 O'Brien – 'x'); DROP TABLE orders; --");
+        row("empty optional fields are NULL", Literals {"7", "2", "3", "10", "", "", ""},
+            "7 2 3.0 10.0 NULL NULL NULL");
+        row("exponent, sign, zeros of a year",
+            Literals {"7", "2", "1e3", "-2.5", "01/02/0999", "", ""},
+            "7 2 1000.0 -2.5 0999-01-02 NULL NULL");
+        row("malformed date", Literals {"7", "2", "1", "1", "24.12.2026", "", ""},
+            "7 2 1.0 1.0 NULL NULL NULL");
+        row("statement after a date",
+            Literals {"7", "2", "1", "1", "12/24/2026'); DELETE FROM orders; --", "", ""},
+            "7 2 1.0 1.0 NULL NULL NULL");
+        row("regional number refused", Literals {"7", "2", "1,5", "10", "", "", ""}, "");
+        row("query in a number refused",
+            Literals {"7", "2", "1", "(SELECT count(*) FROM customers)", "", "", ""}, "");
+        row("no customer refused", Literals {"", "2", "1", "1", "", "", ""}, "");
+        row("zero quantity refused", Literals {"7", "2", "0", "1", "", "", ""}, "");
+    }
+    void orderInsert()
+    {
+        QFETCH(Literals, literals);
+        QSqlQuery(u"DELETE FROM orders"_s);
+        const Literals &l = literals;
+        db->saveOrder({l[0], l[1], l[2], l[3], l[4], l[5], l[6]});
+        QTEST(storedOrders().join(u'\n'), "stored");
+    }
+
     // The file is loaded only when it was written for exactly these fields; anything
     // else is replaced by the form's own settings, none of it loaded.
     void settingsFile_data()
     {
-        test::columns<int, bool, QString>({"file", "written", "quantityLabel"});
-        test::row("no file yet", int(NoFile), true, "Množství");
-        test::row("this form's file", int(ThisForm), false, "Množství");
-        test::row("a label changed in the file", int(Relabelled), false, "Počet kusů");
-        test::row("a field missing from the file", int(Partial), true, "Množství");
-        test::row("an older form's file", int(OlderForm), true, "Množství");
-        test::row("not JSON", int(NotJson), true, "Množství");
+        columns<int, bool>({"file", "written"});
+        row("no file yet", int(NoFile), true);
+        row("a label changed in the file", int(Relabelled), false);
+        row("a field missing from the file", int(Partial), true);
+        row("not JSON", int(NotJson), true);
     }
     void settingsFile()
     {
         QFETCH(int, file);
         QFETCH(bool, written);
-        QFETCH(QString, quantityLabel);
-        test::TestPlatform platform;
-        QJsonObject own;
-        {
-            demo::OrderForm fresh(*db, logStream);
-            own = saveFormSettings(&fresh).object();
-        }
-        QJsonObject relabelled = own;
-        QJsonObject quantity = relabelled.value(u"quantity"_s).toObject();
+        TestPlatform platform;
+        demo::OrderForm fresh(*db, logStream);
+        const QJsonObject own = saveFormSettings(&fresh).object();
+        QJsonObject relabelled = own, quantity = own.value(u"quantity"_s).toObject();
         quantity.insert(u"Label"_s, u"Počet kusů"_s);
         relabelled.insert(u"quantity"_s, quantity);
         QJsonObject partial = relabelled;
         partial.remove(u"note"_s);
-        const QJsonObject older {{u"Zákazník"_s, own.value(u"customer"_s)}};
-        const QByteArray content = file == ThisForm ? QJsonDocument(own).toJson()
-            : file == Relabelled                    ? QJsonDocument(relabelled).toJson()
-            : file == Partial                       ? QJsonDocument(partial).toJson()
-            : file == OlderForm                     ? QJsonDocument(older).toJson()
-            : file == NotJson                       ? "{\"customer\":"_ba
-                                                    : QByteArray();
-
-        const QString path = dir.filePath(QStringLiteral("settings-%1.json").arg(file));
+        const QList<QJsonObject> objects {{}, relabelled, partial};
+        const QByteArray content = file == NotJson ? "{\"customer\":"_ba
+            : file == NoFile                       ? QByteArray()
+                                                   : QJsonDocument(objects[file]).toJson();
+        QFile settings(dir.filePath(u"settings-%1.json"_s.arg(file)));
         if (file != NoFile) {
-            QFile out(path);
-            QVERIFY(out.open(QIODevice::WriteOnly));
-            out.write(content);
+            QVERIFY(settings.open(QIODevice::WriteOnly));
+            settings.write(content);
+            settings.close();
         }
         demo::OrderForm form(*db, logStream);
-        form.keepSettings(path);
-        QCOMPARE(form.quantity->Label(), quantityLabel);
-        QFile in(path);
-        QVERIFY(in.open(QIODevice::ReadOnly));
-        const QByteArray after = in.readAll();
+        form.keepSettings(settings.fileName());
+        QCOMPARE(form.quantity->Label() == u"Počet kusů"_s, file == Relabelled);
+        QVERIFY(settings.open(QIODevice::ReadOnly));
+        const QByteArray after = settings.readAll();
         QCOMPARE(after != content, written);
         if (written)
             QCOMPARE(QJsonDocument::fromJson(after).object(), own);
         QCOMPARE(form.customer->ListCount(), 50); // the lists load either way
     }
 
-    void priceFollowsTheProduct()
+    // A required field left empty: the exit check names it and nothing is saved. Saved,
+    // the order holds what the fields show and the form is emptied.
+    void save_data()
     {
-        Filled f(*db, logStream);
-        const QList<demo::Product> products = demo::makeProducts();
-        QCOMPARE(f.form.price->varValue().toDouble(), products.at(2).price);
-        f.form.price->setValue(u"1"_s);
-        f.form.product->setValue(u"7"_s);
-        QCOMPARE(f.form.price->varValue().toDouble(), products.at(6).price);
+        columns<QString>({"empty"});
+        for (const char *name :
+             {"", "customer", "product", "quantity", "unitPrice", "delivery", "paid", "note"})
+            row(*name ? name : "nothing", name);
     }
-
-    // A required field left empty: the exit check tells the user and nothing is saved.
-    void saveRefusesAnIncompleteOrder_data()
-    {
-        test::columns<QString, QString>({"empty", "title"});
-        test::row("customer", "customer", "Zákazník");
-        test::row("product", "product", "Zboží");
-        test::row("quantity", "quantity", "Množství");
-        test::row("unit price", "unitPrice", "Cena za jednotku");
-        test::row("delivery date", "delivery", "Datum dodání");
-        test::row("paid", "paid", "Zaplaceno");
-        test::row("note is optional", "note", "");
-    }
-    void saveRefusesAnIncompleteOrder()
+    void save()
     {
         QFETCH(QString, empty);
-        QFETCH(QString, title);
-        Filled f(*db, logStream);
-        f.field(empty)->Clear();
-        const int before = db->count(u"orders"_s);
-        QCOMPARE(f.form.save(), title.isEmpty());
-        QCOMPARE(db->count(u"orders"_s), before + (title.isEmpty() ? 1 : 0));
-        QCOMPARE(f.platform.boxes.size(), title.isEmpty() ? 0 : 1);
-        if (!title.isEmpty())
-            QCOMPARE(f.platform.boxes.first().title, title);
+        TestPlatform platform;
+        demo::OrderForm form(*db, logStream);
+        form.keepSettings(QString());
+        // The unit price comes with the product.
+        const QStringList values {u"5"_s,          u"3"_s,  u"12"_s,    {},
+                                  u"15.12.2026"_s, u"-1"_s, u"O'Neil"_s};
+        for (qsizetype i = 0; i < values.size(); ++i)
+            if (!values[i].isEmpty())
+                form.fields()[i]->setValue(values[i]);
+        if (!empty.isEmpty())
+            form.findChild<Velmora *>(empty)->Clear();
+        const bool saves = empty.isEmpty() || empty == "note"_L1;
+        const qsizetype before = storedOrders().size();
+        QCOMPARE(form.save(), saves);
+        QCOMPARE(storedOrders().size(), before + saves);
+        if (!saves) {
+            QCOMPARE(platform.boxes.size(), 1);
+            QCOMPARE(platform.boxes.first().title, form.findChild<Velmora *>(empty)->Label());
+            return;
+        }
+        QVERIFY(platform.boxes.isEmpty());
+        QCOMPARE(storedOrders().first(),
+                 u"5 3 12.0 24.9 2026-12-15 -1 "_s + (empty.isEmpty() ? u"O'Neil"_s : u"NULL"_s));
+        for (Velmora *field : form.fields())
+            QVERIFY2(field->SQLValue().isEmpty(), qPrintable(field->objectName()));
     }
 
-    void saveWritesTheOrderAndEmptiesTheForm()
+    // The customer list follows Czech order, where code points put a háček after z.
+    void customersSortTheCzechWay()
     {
-        Filled f(*db, logStream);
-        QVERIFY(f.form.customer->FormChanged());
-        QVERIFY(f.form.save());
-        QSqlQuery q(u"SELECT customer_id, product_id, quantity, unit_price, delivery, paid, "
-                    "note, id FROM orders ORDER BY id DESC LIMIT 1"_s);
-        QVERIFY(q.next());
-        const QStringList stored {q.value(0).toString(), q.value(1).toString(),
-                                  q.value(2).toString(), q.value(3).toString(),
-                                  q.value(4).toString(), q.value(5).toString(),
-                                  q.value(6).toString()};
-        QCOMPARE(stored,
-                 (QStringList {u"5"_s, u"3"_s, u"12"_s, u"24.9"_s, u"2026-12-15"_s, u"-1"_s,
-                               u"O'Neil"_s}));
-        QCOMPARE(f.form.status(), u"Objednávka č. %1 uložena."_s.arg(q.value(7).toInt()));
-        for (Velmora *field : f.form.fields())
-            QVERIFY2(field->SQLValue().isEmpty(), qPrintable(field->objectName()));
-        QVERIFY(!f.form.customer->FormChanged()); // closing now does not ask
-        QCOMPARE(f.form.ordersModel()->index(0, 0).data().toInt(), q.value(7).toInt());
+        QHash<QString, int> first; // surname -> its first place in the list
+        for (const demo::Customer &c : demo::makeCustomers(3000)) {
+            const QString surname = c.name.section(u' ', 0, 0);
+            first[surname] = qMin(first.value(surname, INT_MAX), c.sortOrder);
+        }
+        const QStringList order {u"Beneš"_s, u"Čermák"_s, u"Černý"_s,   u"Doležal"_s, u"Král"_s,
+                                 u"Kříž"_s,  u"Kučera"_s, u"Svoboda"_s, u"Šťastná"_s, u"Urban"_s};
+        for (qsizetype i = 1; i < order.size(); ++i)
+            QVERIFY2(first.value(order[i - 1]) < first.value(order[i]), qPrintable(order[i]));
+    }
+
+    // A second start on the file finds its data, products added since included.
+    void databaseIsKeptBetweenRuns()
+    {
+        const std::optional<int> added = db->addProduct(u"Lepidlo 'Extra'"_s, 12.5);
+        QVERIFY(added);
+        demo::OrderDatabase again(QSqlDatabase::database());
+        QVERIFY(again.prepare(3000) && !again.created());
+        QCOMPARE(again.count(u"customers"_s), 50);
+        QCOMPARE(again.productPrice(*added), std::optional<double>(12.5));
     }
 };
 
