@@ -22,6 +22,8 @@
 // time slices of other processes show up as 4 ms keys; pinned to one core at a real-time
 // priority (taskset, chrt) the p99 means something again.
 
+#include "BenchStats.h"
+
 #include <velmora/Platform.h>
 #include <velmora/Types.h>
 #include <velmora/Velmora.h>
@@ -51,6 +53,9 @@
 #include <functional>
 #include <random>
 #include <vector>
+
+using velmora::bench::medianOf;
+using velmora::bench::spreadOf;
 
 namespace {
 
@@ -219,18 +224,6 @@ struct Stats
     double median = 0, p99 = 0, mean = 0, min = 0, max = 0;
 };
 
-double medianOf(std::vector<double> v)
-{
-    if (v.empty())
-        return 0;
-    const size_t n = v.size();
-    std::nth_element(v.begin(), v.begin() + n / 2, v.end());
-    const double upper = v[n / 2];
-    if (n % 2)
-        return upper;
-    return (*std::max_element(v.begin(), v.begin() + n / 2) + upper) / 2;
-}
-
 Stats statsOf(std::vector<double> v)
 {
     Stats s;
@@ -249,13 +242,6 @@ Stats statsOf(std::vector<double> v)
     s.min = v.front();
     s.max = v.back();
     return s;
-}
-
-// max/min - 1 of the per-round medians in [from, to).
-double spreadOf(const std::vector<double> &medians, size_t from, size_t to)
-{
-    const auto [lo, hi] = std::minmax_element(medians.begin() + from, medians.begin() + to);
-    return *lo > 0 ? *hi / *lo - 1 : 0;
 }
 
 struct Case

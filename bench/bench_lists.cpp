@@ -42,6 +42,8 @@
 // the last --window rounds agree within 5 % for every phase, up to --max-rounds;
 // otherwise the result says "noisy".
 
+#include "BenchStats.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDate>
 #include <QtCore/QEventLoop>
@@ -81,6 +83,9 @@
 #include <string>
 #include <vector>
 
+using velmora::bench::medianOf;
+using velmora::bench::spreadOf;
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -91,18 +96,6 @@ constexpr qint64 WarmUpRows = 1000;
 double msSince(Clock::time_point t0)
 {
     return std::chrono::duration<double, std::milli>(Clock::now() - t0).count();
-}
-
-double medianOf(std::vector<double> v)
-{
-    if (v.empty())
-        return 0;
-    const size_t n = v.size();
-    std::nth_element(v.begin(), v.begin() + n / 2, v.end());
-    const double upper = v[n / 2];
-    if (n % 2)
-        return upper;
-    return (*std::max_element(v.begin(), v.begin() + n / 2) + upper) / 2;
 }
 
 // A time in ms with the digits that count: lookups take microseconds, loads seconds.
@@ -1199,12 +1192,6 @@ QString wrongOf(const Sample &s, const Phase &p, const Options &o)
     if (s.check != want)
         return QStringLiteral("row check: \"%1\", not \"%2\"").arg(s.check, want);
     return {};
-}
-
-double spreadOf(const std::vector<double> &medians, size_t from, size_t to)
-{
-    const auto [lo, hi] = std::minmax_element(medians.begin() + from, medians.begin() + to);
-    return *lo > 0 ? *hi / *lo - 1 : 0;
 }
 
 PgServer pgServerOf(const Options &o, QString &why)

@@ -4,6 +4,8 @@
 // ones elsewhere), in the same process. Neither form is shown. Each side runs in turns,
 // several rounds, and the medians are compared; the target is a ratio of at most 2.0.
 
+#include "BenchStats.h"
+
 #include <velmora/FieldFont.h>
 #include <velmora/FormSettings.h>
 #include <velmora/Velmora.h>
@@ -121,12 +123,6 @@ double lineEditsRound(const QVariantMap &settings)
     return ms;
 }
 
-double median(std::vector<double> v)
-{
-    std::sort(v.begin(), v.end());
-    return v[v.size() / 2];
-}
-
 } // namespace
 
 int main(int argc, char **argv)
@@ -156,7 +152,7 @@ int main(int argc, char **argv)
             fields.push_back(fieldsRound(json));
         }
     }
-    const double f = median(fields), e = median(edits);
+    const double f = velmora::bench::medianOf(fields), e = velmora::bench::medianOf(edits);
     const double ratio = f / e;
     std::printf("Velmora create + loadFormSettings: %8.1f ms (median of %d)\n", f, Rounds);
     std::printf("  of which loading (last round): %.0f %%\n", loadShare * 100);
