@@ -45,6 +45,12 @@ struct Field
         o.regional = rs;
         o.measure = {width, 7, {}};
     }
+    // "English" or Czech regional settings; "design": cells as they come (design mode).
+    explicit Field(QStringView mode)
+        : Field(mode == u"English" ? RegionalSettings::english() : RegionalSettings::czech(u' '))
+    {
+        o.formatCells = mode != u"design";
+    }
     detail::ColumnsReady ready()
     {
         return [this](detail::ListColumns &c, int count) {

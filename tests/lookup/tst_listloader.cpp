@@ -82,11 +82,8 @@ private Q_SLOTS:
     }
     void sqliteFile()
     {
-        const QString mode = VFETCH(QString, mode);
-        Field field(mode == u"English" ? RegionalSettings::english()
-                                       : RegionalSettings::czech(u' '));
-        field.o.formatCells = mode != u"design";
-        if (mode == u"English")
+        Field field(VFETCH(QString, mode));
+        if (field.o.regional == RegionalSettings::english())
             field.o.newItemRow = u"<nová položka>"_s;
         const LoadedList list
             = ListLoader(field.o).fromConnection(connect(), u"SELECT * FROM t"_s, field.ready());
@@ -127,10 +124,7 @@ private Q_SLOTS:
         // The widest cells last, each of a shape met before in narrower cells.
         QVERIFY(QSqlQuery(db).exec(
             u"INSERT INTO kinds VALUES (-8888.88, 'Item 888 of 6', '2088-08-28')"_s));
-        const QString mode = VFETCH(QString, mode);
-        Field field(mode == u"English" ? RegionalSettings::english()
-                                       : RegionalSettings::czech(u' '));
-        field.o.formatCells = mode != u"design";
+        Field field(VFETCH(QString, mode));
         field.listFormat = VFETCH(QString, listFormat);
         const auto measure = VFETCH(bool, narrowOne) ? narrowOne : width;
         field.o.measure = {measure, 0, {}}; // every cell goes to the measure or its memory
@@ -171,9 +165,7 @@ private Q_SLOTS:
     }
     void numbersFromTheDouble()
     {
-        const RegionalSettings rs = VFETCH(QString, mode) == u"English"
-            ? RegionalSettings::english()
-            : RegionalSettings::czech(u' ');
+        const RegionalSettings rs = Field(VFETCH(QString, mode)).o.regional;
         ParsedFormat pf;
         pf.systemDecimalSeparator = pf.decimalSeparator = rs.decimalSeparator;
         pf.systemThousandsSeparator = pf.thousandsSeparator = rs.thousandsSeparator;
@@ -230,7 +222,7 @@ private Q_SLOTS:
         QVERIFY_THROWS_EXCEPTION(DatabaseError, ListLoader(field.o).fromQuery(idle, {}));
     }
 
-    void hostItems()
+    void hostItemsAndBools()
     {
         ListItems items;
         QVERIFY(items.add(u"a\tb"_s)); // starts the collection: two columns
@@ -243,14 +235,11 @@ private Q_SLOTS:
         items.reset();
         QVERIFY(items.add(u"only"_s));
         QCOMPARE(items.rows().columnCount(), 1);
-    }
 
-    void boolList() // without the empty row: through the field
-    {
-        Field field;
-        const LoadedList list = ListLoader(field.o).fromBool({u"Ano ii"_s, u"Ne"_s, u'A'}, true);
-        QCOMPARE(allRows(list.rows), (QStringList {u"Ano ii"_s, u"Ne"_s, u""_s}));
-        QCOMPARE(list.columns.length(0), width(u"Ano ii"));
+        // A truth value's list, without the empty row: through the field.
+        const LoadedList bools = ListLoader(field.o).fromBool({u"Ano ii"_s, u"Ne"_s, u'A'}, true);
+        QCOMPARE(allRows(bools.rows), (QStringList {u"Ano ii"_s, u"Ne"_s, u""_s}));
+        QCOMPARE(bools.columns.length(0), width(u"Ano ii"));
     }
 
     void failures_data()
@@ -262,8 +251,6 @@ private Q_SLOTS:
         row("error in the middle of the rows", "",
             "SELECT CASE WHEN rowid >= 3 THEN abs(-9223372036854775808) ELSE 1 END FROM t",
             "reading the rows of");
-        row("unknown driver", "Driver=QNOPE;Database=x", "SELECT 1", "unknown database driver");
-        row("bad string", "Driver=QSQLITE;x.db", "SELECT 1", "has no \"=\"");
     }
     void failures()
     {
