@@ -23,9 +23,7 @@ struct TestServer
     QString file; // the connection file read
     QString host;
     int port = 0;
-    QString db;
-    QString user;
-    QString password;
+    QString db, user, password;
     QString odbcSysIni; // directory ODBCSYSINI points at
     QString odbcPostgres; // Driver={PostgreSQL Unicode};Server=...;Port=...;...
     QString odbcError; // why ODBC is not usable; empty when it is
@@ -37,11 +35,10 @@ inline bool readTestServer(TestServer &s, QString &why)
     QFile file(qEnvironmentVariable("VELMORA_PG_ENV"));
     s.file = file.fileName();
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        why = file.fileName().isEmpty()
-            ? QStringLiteral("VELMORA_PG_ENV is not set: run the test through ctest, which "
-                             "starts the PostgreSQL server")
-            : QStringLiteral("no PostgreSQL server: %1: %2")
-                  .arg(file.fileName(), file.errorString());
+        why = s.file.isEmpty()
+            ? QStringLiteral("VELMORA_PG_ENV is not set: run the test "
+                             "through ctest, which starts the server")
+            : QStringLiteral("no PostgreSQL server: %1: %2").arg(s.file, file.errorString());
         return false;
     }
     QHash<QByteArray, QString> v;
@@ -49,19 +46,12 @@ inline bool readTestServer(TestServer &s, QString &why)
         if (const qsizetype eq = line.indexOf('='); eq > 0)
             v.insert(line.left(eq), QString::fromUtf8(line.mid(eq + 1)));
     }
-    s.host = v.value("host");
-    s.port = v.value("port").toInt();
-    s.db = v.value("db");
-    s.user = v.value("user");
-    s.password = v.value("password");
-    s.odbcSysIni = v.value("odbcsysini");
-    s.odbcPostgres = v.value("odbc_pg");
-    s.odbcError = v.value("odbc_error");
-    if (s.host.isEmpty() || s.port <= 0 || s.db.isEmpty() || s.user.isEmpty()) {
+    s = {s.file,        v["host"],       v["port"].toInt(), v["db"],        v["user"],
+         v["password"], v["odbcsysini"], v["odbc_pg"],      v["odbc_error"]};
+    const bool named = !s.host.isEmpty() && s.port > 0 && !s.db.isEmpty() && !s.user.isEmpty();
+    if (!named)
         why = QStringLiteral("%1 names no server (host, port, db, user)").arg(s.file);
-        return false;
-    }
-    return true;
+    return named;
 }
 
 // Opens a QPSQL connection called `name` to the test server. When the database it returns
@@ -83,9 +73,7 @@ inline QSqlDatabase openTestServer(const QString &name, QString &why)
     return db;
 }
 
-// Connection strings as a field takes them, one per way to the data.
-
-// Qt's PostgreSQL driver to the test server.
+// A field's connection string for Qt's PostgreSQL driver to the test server.
 inline QString qpsqlConnectString(const TestServer &s)
 {
     return QStringLiteral("Driver=QPSQL;Host=%1;Port=%2;Database=%3;User=%4;Password=%5")
@@ -94,53 +82,29 @@ inline QString qpsqlConnectString(const TestServer &s)
         .arg(s.db, s.user, s.password);
 }
 
-// Qt's ODBC driver, through unixODBC and the driver "PostgreSQL Unicode", to the test
-// server: everything after the first key goes to the driver manager.
-inline QString odbcPostgresConnectString(const TestServer &s)
-{
-    return QStringLiteral("Driver=QODBC;") + s.odbcPostgres;
-}
-
-// Qt's ODBC driver, through unixODBC and the driver "SQLite3", to a database file. The
-// driver creates a file that does not exist (empty) unless NoCreat=1 is added. The path
-// must hold no ';'.
-inline QString odbcSqliteConnectString(const QString &file)
-{
-    return QStringLiteral("Driver=QODBC;Driver={SQLite3};Database=") + file;
-}
-
 // Whether the private ODBC set-up of the test server can be used, else why. Points
 // ODBCSYSINI at it when the environment does not (a test run by hand with VELMORA_PG_ENV
 // alone): unixODBC reads the variable once, so call this before the first ODBC
 // connection of the process.
 inline bool odbcReady(const TestServer &s, QString &why)
 {
-    if (!s.odbcError.isEmpty()) {
-        why = QStringLiteral("ODBC is not usable (%1): %2").arg(s.file, s.odbcError);
-        return false;
-    }
-    if (s.odbcSysIni.isEmpty() || s.odbcPostgres.isEmpty()) {
-        why = QStringLiteral("%1 has no ODBC set-up (odbcsysini, odbc_pg): a server started "
-                             "by an older scripts/pg-server.sh?")
-                  .arg(s.file);
-        return false;
-    }
-    if (!QFile::exists(s.odbcSysIni + QStringLiteral("/odbcinst.ini"))) {
-        why = QStringLiteral("no odbcinst.ini in %1").arg(s.odbcSysIni);
-        return false;
-    }
-    if (qEnvironmentVariableIsEmpty("ODBCSYSINI"))
+    const QString env = qEnvironmentVariable("ODBCSYSINI");
+    QString problem;
+    if (!s.odbcError.isEmpty() || s.odbcSysIni.isEmpty() || s.odbcPostgres.isEmpty())
+        problem = QStringLiteral("ODBC is not usable (%1): %2")
+                      .arg(s.file,
+                           s.odbcError.isEmpty() ? QStringLiteral("no odbcsysini, odbc_pg")
+                                                 : s.odbcError);
+    else if (!env.isEmpty() && env != s.odbcSysIni)
+        problem = QStringLiteral("ODBCSYSINI is %1, the test server's ODBC set-up is in %2")
+                      .arg(env, s.odbcSysIni);
+    else if (!QSqlDatabase::isDriverAvailable(QStringLiteral("QODBC")))
+        problem = QStringLiteral("Qt has no QODBC driver (package libqt6sql6-odbc)");
+    else if (env.isEmpty())
         qputenv("ODBCSYSINI", QFile::encodeName(s.odbcSysIni));
-    else if (qEnvironmentVariable("ODBCSYSINI") != s.odbcSysIni) {
-        why = QStringLiteral("ODBCSYSINI is %1, the test server's ODBC set-up is in %2")
-                  .arg(qEnvironmentVariable("ODBCSYSINI"), s.odbcSysIni);
-        return false;
-    }
-    if (!QSqlDatabase::isDriverAvailable(QStringLiteral("QODBC"))) {
-        why = QStringLiteral("Qt has no QODBC driver (package libqt6sql6-odbc)");
-        return false;
-    }
-    return true;
+    if (!problem.isEmpty())
+        why = problem;
+    return problem.isEmpty();
 }
 
 } // namespace velmora::test

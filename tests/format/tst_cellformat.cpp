@@ -111,12 +111,7 @@ private slots:
                 parseNumFormat(pf, parsed, rs, seps);
             else
                 parseDateFormat(pf, parsed, 0, rs, seps);
-            ValueFormat vf;
-            vf.type = type;
-            vf.format = format;
-            vf.parsed = &pf;
-            vf.dateSlot = 1;
-            vf.regional = rs;
+            const ValueFormat vf {type, format, &pf, {}, 1, atLeftRight, rs}; // a list's cell
             const CellFormat cell(vf);
             for (int i = 0; i < 4000; ++i) {
                 const QString value = randomValue(pick, rs);

@@ -6,8 +6,7 @@
 #include "common/DataRows.h"
 #include "common/TestRegistry.h"
 #include "common/TestServer.h"
-#include "lookup/ListFormat.h"
-#include "lookup/ListLoader.h"
+#include "lookup/LoaderField.h"
 
 #include <velmora/DatabaseError.h>
 
@@ -33,33 +32,15 @@ const QStringList Inserts = {
 // What both ways to each database must show, in Czech settings.
 const QStringList Shown = {
     u"1 234,50|Příliš žluťoučký kůň úpěl ďábelské ódy|24.12.2005"_s,
-    u"||"_s, // NULL: empty cells
+    u"||  .  .    "_s, // NULL: empty cells; the date, the value column, as its empty date
     u"-0,50|Ústí nad Labem|02.01.2005"_s,
     u"1 234 567,89|ŠŤĚPÁNEK & Syn|28.02.1999"_s,
 };
 
 QStringList load(const QString &connect, const QString &sql)
 {
-    ParsedFormat pf;
-    ListLoadOptions o;
-    o.parsed = &pf;
-    o.regional = RegionalSettings::czech(QLatin1Char(' '));
-    const ColumnsReady ready = [&](ListColumns &c, int count) {
-        c.setUpperBound(count - 1);
-        ListFieldSettings s;
-        s.textCol = 1;
-        s.regional = o.regional;
-        parseListFormat(u"N#,##0.00|A|D"_s, s, c, pf);
-    };
-    const LoadedList list = ListLoader(o).fromConnection(connect, sql, ready);
-    QStringList rows;
-    for (int r = 0; r < list.rows.rowCount(); ++r) {
-        QStringList cells;
-        for (int c = 0; c < list.rows.columnCount(); ++c)
-            cells << list.rows.cell(r, c).toString();
-        rows << cells.join(u'|');
-    }
-    return rows;
+    test::Field field;
+    return test::allRows(ListLoader(field.o).fromConnection(connect, sql, field.ready()).rows);
 }
 
 } // namespace
@@ -78,8 +59,8 @@ class TestOdbc : public QObject
         const QString file = m_dir.filePath(u"odbc.db"_s);
         return way == u"QPSQL"_s             ? test::qpsqlConnectString(m_server)
             : way == u"QSQLITE"_s            ? u"Driver=QSQLITE;Database="_s + file
-            : way == u"PostgreSQL Unicode"_s ? test::odbcPostgresConnectString(m_server)
-                                             : test::odbcSqliteConnectString(file);
+            : way == u"PostgreSQL Unicode"_s ? u"Driver=QODBC;"_s + m_server.odbcPostgres
+                                             : u"Driver=QODBC;Driver={SQLite3};Database="_s + file;
     }
     QString listQuery() const
     {
@@ -87,28 +68,16 @@ class TestOdbc : public QObject
     }
 
     // Creates the table through a native driver; false, with m_why, when that fails.
-    bool create(const QString &driver, const QString &amountType)
+    bool create(const QSqlDatabase &db, const QString &amountType)
     {
-        const QString name = u"odbc-setup"_s;
-        bool ok = false;
-        {
-            QSqlDatabase db;
-            if (driver == u"QPSQL"_s) {
-                db = test::openTestServer(name, m_why);
-            } else {
-                db = QSqlDatabase::addDatabase(driver, name);
-                db.setDatabaseName(m_dir.filePath(u"odbc.db"_s));
-                db.open();
-            }
-            QSqlQuery q(db);
-            ok = db.isOpen()
-                && q.exec(u"CREATE TABLE %1 (id int, amount %2, name text, day date)"_s.arg(
-                    m_table, amountType))
-                && q.exec(u"INSERT INTO %1 VALUES %2"_s.arg(m_table, Inserts.join(u',')));
-            if (!ok && m_why.isEmpty())
-                m_why = u"%1: %2"_s.arg(driver, q.lastError().text());
-        }
-        QSqlDatabase::removeDatabase(name);
+        QSqlQuery q(db);
+        const bool ok = db.isOpen()
+            && q.exec(u"CREATE TABLE %1 (id int, amount %2, name text, day date)"_s.arg(m_table,
+                                                                                        amountType))
+            && q.exec(u"INSERT INTO %1 VALUES %2"_s.arg(m_table, Inserts.join(u',')));
+        if (!ok && m_why.isEmpty())
+            m_why
+                = db.driverName() + u": "_s + (db.isOpen() ? q.lastError() : db.lastError()).text();
         return ok;
     }
 
@@ -116,8 +85,13 @@ private Q_SLOTS:
     void initTestCase()
     {
         QVERIFY(m_dir.isValid());
-        if (test::readTestServer(m_server, m_why) && test::odbcReady(m_server, m_why))
-            create(u"QPSQL"_s, u"numeric(12,2)"_s) && create(u"QSQLITE"_s, u"real"_s);
+        if (!test::readTestServer(m_server, m_why) || !test::odbcReady(m_server, m_why))
+            return;
+        QSqlDatabase lite = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"odbc-lite"_s);
+        lite.setDatabaseName(m_dir.filePath(u"odbc.db"_s));
+        lite.open();
+        create(test::openTestServer(u"odbc-pg"_s, m_why), u"numeric(12,2)"_s)
+            && create(lite, u"real"_s);
     }
     void init() { QVERIFY2(m_why.isEmpty(), qPrintable(m_why)); }
 
@@ -169,12 +143,9 @@ private Q_SLOTS:
 
     void cleanupTestCase()
     {
-        QString why;
-        {
-            QSqlDatabase db = test::openTestServer(u"odbc-cleanup"_s, why);
-            QSqlQuery(u"DROP TABLE IF EXISTS %1"_s.arg(m_table), db);
-        }
-        QSqlDatabase::removeDatabase(u"odbc-cleanup"_s);
+        QSqlQuery(u"DROP TABLE IF EXISTS %1"_s.arg(m_table), QSqlDatabase::database(u"odbc-pg"_s));
+        for (const QString &name : {u"odbc-pg"_s, u"odbc-lite"_s})
+            QSqlDatabase::removeDatabase(name);
     }
 };
 
