@@ -37,6 +37,10 @@ VelmoraPrivate::VelmoraPrivate(Velmora *field)
     txtInput->setDragEnabled(false);
     txtInput->setAcceptDrops(false);
     txtInput->setContextMenuPolicy(Qt::CustomContextMenu);
+    // The box fills its whole rectangle with its base colour, so Qt knows it is opaque
+    // and a key repaints the box alone, not the frame, the field and the form behind it.
+    txtInput->setBackgroundRole(QPalette::Base);
+    txtInput->setAutoFillBackground(true);
     txtInput->installEventFilter(&events);
     q->setFocusProxy(txtInput);
     q->setFocusPolicy(Qt::StrongFocus);

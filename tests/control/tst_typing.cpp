@@ -258,6 +258,37 @@ private Q_SLOTS:
         QVERIFY(t->field->Changed());
     }
 
+    // The box fills every pixel it owns, so a key repaints the box and nothing behind it:
+    // neither the frame, nor the field, nor the form.
+    void keyRepaintsTheBoxAlone()
+    {
+        struct Paints : QObject
+        {
+            QStringList seen;
+            bool eventFilter(QObject *o, QEvent *e) override
+            {
+                if (e->type() == QEvent::Paint)
+                    seen << o->objectName();
+                return false;
+            }
+        } paints;
+        type(itDate)(field);
+        field->setFocus();
+        QApplication::processEvents();
+        t->form.setObjectName(u"form"_s);
+        field->setObjectName(u"field"_s);
+        const QList<QObject *> watched {&t->form, field.data(),
+                                        field->findChild<QObject *>(u"imgFrame"_s), t->box()};
+        for (QObject *o : watched)
+            o->installEventFilter(&paints);
+        QTest::keyClick(t->box(), Qt::Key_1);
+        QEvent update(QEvent::UpdateRequest);
+        QApplication::sendEvent(&t->form, &update);
+        for (QObject *o : watched)
+            o->removeEventFilter(&paints);
+        QCOMPARE(paints.seen, QStringList {u"txtInput"_s});
+    }
+
     // Neither a middle click (X11 pastes the selection with it) nor a drop may put text
     // into the box past the rules or move the caret the rules have placed. A drop lands
     // where the drag entered: the enter event names the target.
