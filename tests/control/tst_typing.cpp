@@ -242,14 +242,12 @@ private Q_SLOTS:
     }
 
     // The colours reach the box (the legacy order is blue, green, red). Entering shows
-    // the focus colour; leaving restores the colour, completes a half-typed date and
-    // raises ValueChanged once.
+    // the focus colour; leaving restores the colour.
     void focusInAndOut()
     {
         const auto base = [this] {
             return t->box()->palette().color(QPalette::Base);
         };
-        type(itDate)(t->field);
         t->field->setBackColor(0x000000FFu);
         QCOMPARE(base(), QColor(Qt::red));
         t->field->setForeColor(0x00FF0000u);
@@ -257,14 +255,9 @@ private Q_SLOTS:
         t->field->setFocus();
         QCOMPARE(t->field->BackColor(), FocusHighlightColor);
         QCOMPARE(base(), QColor(129, 232, 250));
-        QTest::keyClicks(t->box(), u"0102"_s);
-        QSignalSpy changed(t->field, &Velmora::ValueChanged);
         t->after->setFocus();
         QApplication::processEvents(); // leaving is checked once the move is done
         QCOMPARE(base(), QColor(Qt::red));
-        QCOMPARE(t->field->varValue(), QVariant(QDate(2026, 2, 1)));
-        QCOMPARE(changed.size(), 1);
-        QVERIFY(t->field->Changed());
     }
 
     // The box fills every pixel it owns, so a key repaints the box and nothing behind it:
@@ -357,23 +350,23 @@ private Q_SLOTS:
         columns<InpType, QString, QString, QString, QChar, int, int>(
             {"type", "format", "how", "start", "character", "count", "shown"});
         const int all = 32767;
+        const QChar x(u'x');
         for (const char *how : {"paste", "commit"}) {
             const QByteArray on = QByteArray(how) + ": ";
-            row(on + "letters into an empty text", itAlfaNum, "", how, "", QChar(u'x'), all, all);
-            row(on + "letters into an upper-case text", itAlfaNum, ">", how, "", QChar(u'x'), all,
+            row(on + "letters into an empty text", itAlfaNum, "", how, "", x, all, all);
+            row(on + "letters into an upper-case text", itAlfaNum, ">", how, "", x, all, all);
+            row(on + "letters into a full text", itAlfaNum, "", how, QString(all, u'a'), x, all,
                 all);
-            row(on + "letters into a full text", itAlfaNum, "", how, QString(all, u'a'),
-                QChar(u'x'), all, all);
             row(on + "digits into an empty number", itNum, "", how, "", QChar(u'7'), all, all);
             row(on + "digits into a long date", itDate, "dd/mm/yyyy" + QString(32757, u'-'), how,
                 "", QChar(u'1'), all, all);
-            row(on + "first letter upper", itAlfaNum, "1>", how, "", QChar(u'x'), all, all);
+            row(on + "first letter upper", itAlfaNum, "1>", how, "", x, all, all);
             // A pattern's own characters become part of the text with every character.
-            row(on + "places filled from the right", itAlfaNum, "@@@-@@@", how, "", QChar(u'x'),
-                16000, 32005);
+            row(on + "places filled from the right", itAlfaNum, "@@@-@@@", how, "", x, 16000,
+                32005);
             row(on + "places filled from the left, lower case", itAlfaNum, "!<@@/&&", how, "",
                 QChar(u'X'), 16000, 32001);
-            row(on + "no places", itAlfaNum, "x", how, "", QChar(u'x'), 16000, 32000);
+            row(on + "no places", itAlfaNum, "x", how, "", x, 16000, 32000);
         }
     }
     void longPasteIsLinear()
