@@ -27,23 +27,24 @@ const QStringList Customers {QStringLiteral("7\tNovák\tBrno"), QStringLiteral("
                              QStringLiteral("30\tČerný\tOstrava"),
                              QStringLiteral("12\tDvořák II\tPlzeň")};
 
-void addRows(Velmora *f, const QStringList &rows)
+// Loads a list of the rows given that shows its column 1.
+void loadList(Velmora *f, const QString &format, const QStringList &rows)
 {
+    f->setSetList(true);
+    f->setListFormatString(format);
+    f->setTextCol(1);
     for (QString r : rows)
         f->AddItem(r);
+    f->InitList();
 }
 
 // A field that lists the customers by name, with the id as its value.
 void customerList(Velmora *f, bool newItemRow = false)
 {
-    f->setSetList(true);
-    f->setListFormatString(QStringLiteral("N0|A|A"));
     f->setValueCol(0);
-    f->setTextCol(1);
     f->setMatchCol(1);
     f->setListAddNewItem(newItemRow);
-    addRows(f, Customers);
-    f->InitList();
+    loadList(f, QStringLiteral("N0|A|A"), Customers);
 }
 
 QTableView *listTable(Velmora *f)
@@ -150,13 +151,10 @@ private slots:
     void longListRows()
     {
         TestForm t;
-        t.field->setSetList(true);
-        t.field->setTextCol(1);
-        for (int i = 0; i < 70000; ++i) {
-            QString line = u"k%1\tname %1"_s.arg(i);
-            t.field->AddItem(line);
-        }
-        t.field->InitList();
+        QStringList rows;
+        for (int i = 0; i < 70000; ++i)
+            rows << u"k%1\tname %1"_s.arg(i);
+        loadList(t.field, {}, rows);
         t.field->setValue(u"k65541"_s);
         QCOMPARE(t.box()->text(), u"name 65541"_s);
         QCOMPARE(t.field->Value(), u"k65541"_s);
@@ -186,14 +184,10 @@ private slots:
     void loadsColumnsAsDescribed()
     {
         TestForm t;
-        t.field->setSetList(true);
-        t.field->setListFormatString(QStringLiteral("N#,##0.00|A|D"));
         t.field->setHideCol(QStringLiteral("0"));
-        t.field->setTextCol(1);
         t.field->setListAddNewItem(true);
         t.field->setListNewItemText(QStringLiteral("(nový)"));
-        addRows(t.field, {QStringLiteral("1234,5\t a \t24.12.2005\textra"), QStringLiteral("2")});
-        t.field->InitList();
+        loadList(t.field, u"N#,##0.00|A|D"_s, {u"1234,5\t a \t24.12.2005\textra"_s, u"2"_s});
         QCOMPARE(t.field->ListCount(), 3);
         QCOMPARE(column(t.field, 0), QStringList({"(nový)", "1 234,50", "2,00"}));
         QCOMPARE(column(t.field, 1), QStringList({"", "a", ""}));
@@ -213,11 +207,7 @@ private slots:
     void dateValueColumn()
     {
         TestForm t(RegionalSettings::english());
-        t.field->setSetList(true);
-        t.field->setListFormatString(QStringLiteral("D|A"));
-        t.field->setTextCol(1);
-        addRows(t.field, {QStringLiteral("2005-12-24\tChristmas")});
-        t.field->InitList();
+        loadList(t.field, u"D|A"_s, {u"2005-12-24\tChristmas"_s});
         t.field->setValue(QStringLiteral("2005-12-24"));
         QCOMPARE(t.box()->text(), QStringLiteral("Christmas"));
         QCOMPARE(t.field->SQLValue(), QStringLiteral("12/24/2005"));
@@ -354,8 +344,7 @@ private slots:
         QCOMPARE(t.platform.beeps.size(), 1);
         // A field that is only shown does not drop down: its button is not enabled.
         t.field->setDisplayMode(dmVisible);
-        addRows(t.field, Customers);
-        t.field->InitList();
+        loadList(t.field, {}, Customers);
         QVERIFY(!button->isEnabled());
     }
 

@@ -80,8 +80,6 @@ private Q_SLOTS:
         add("NUL inside", false, u"a\0'b"_s, u"a'b"_s);
         add("controls, DEL, line break", false, u"a\x01\x1F'b\x7F\x85\r\n"_s, u"a'b"_s);
         add("tab", false, u"a\t'b"_s);
-        add("right-to-left", false, u"\u05E9\u05DC\u05D5\u05DD 'x' \u202Eabc'"_s);
-        add("30000 characters", false, u"O'a"_s.repeated(10000));
         add("leading and trailing blanks", false, u"  ' x '  "_s);
         // Paste drops line breaks and tabs before the entry rule sees the text.
         add("pasted apostrophes and line break", true, u"O'Brien\r\n'x'"_s, u"O'Brien'x'"_s);
