@@ -14,7 +14,6 @@
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTextStream>
 #include <QtSql/QSqlQuery>
-#include <QtTest/QTest>
 
 using namespace velmora;
 using namespace velmora::test;
@@ -22,7 +21,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-enum SettingsFile { NoFile, Relabelled, Partial, NotJson };
+enum SettingsFile { NoFile, Relabelled, Partial };
 using Literals = QStringList; // customer, product, quantity, price, delivery, paid, note
 
 // The saved orders, newest first, one line each.
@@ -96,42 +95,34 @@ private Q_SLOTS:
     // else is replaced by the form's own settings, none of it loaded.
     void settingsFile_data()
     {
-        columns<int, bool>({"file", "written"});
-        row("no file yet", int(NoFile), true);
-        row("a label changed in the file", int(Relabelled), false);
-        row("a field missing from the file", int(Partial), true);
-        row("not JSON", int(NotJson), true);
+        columns<int>({"file"});
+        row("no file yet", int(NoFile));
+        row("a label changed in the file", int(Relabelled));
+        row("a field missing from the file", int(Partial));
     }
     void settingsFile()
     {
         QFETCH(int, file);
-        QFETCH(bool, written);
         TestPlatform platform;
         demo::OrderForm fresh(*db, logStream);
         const QJsonObject own = saveFormSettings(&fresh).object();
-        QJsonObject relabelled = own, quantity = own.value(u"quantity"_s).toObject();
+        QJsonObject changed = own, quantity = own.value(u"quantity"_s).toObject();
         quantity.insert(u"Label"_s, u"Počet kusů"_s);
-        relabelled.insert(u"quantity"_s, quantity);
-        QJsonObject partial = relabelled;
-        partial.remove(u"note"_s);
-        const QList<QJsonObject> objects {{}, relabelled, partial};
-        const QByteArray content = file == NotJson ? "{\"customer\":"_ba
-            : file == NoFile                       ? QByteArray()
-                                                   : QJsonDocument(objects[file]).toJson();
+        changed.insert(u"quantity"_s, quantity);
+        if (file == Partial)
+            changed.remove(u"note"_s);
         QFile settings(dir.filePath(u"settings-%1.json"_s.arg(file)));
         if (file != NoFile) {
             QVERIFY(settings.open(QIODevice::WriteOnly));
-            settings.write(content);
+            settings.write(QJsonDocument(changed).toJson());
             settings.close();
         }
         demo::OrderForm form(*db, logStream);
         form.keepSettings(settings.fileName());
         QCOMPARE(form.quantity->Label() == u"Počet kusů"_s, file == Relabelled);
         QVERIFY(settings.open(QIODevice::ReadOnly));
-        const QByteArray after = settings.readAll();
-        QCOMPARE(after != content, written);
-        if (written)
-            QCOMPARE(QJsonDocument::fromJson(after).object(), own);
+        QCOMPARE(QJsonDocument::fromJson(settings.readAll()).object(),
+                 file == Relabelled ? changed : own);
         QCOMPARE(form.customer->ListCount(), 50); // the lists load either way
     }
 

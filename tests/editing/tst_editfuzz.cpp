@@ -5,8 +5,6 @@
 #include "common/TestRegistry.h"
 #include "fuzz/EditFuzz.h"
 
-#include <QtTest/QTest>
-
 #include <random>
 
 using namespace velmora::test;

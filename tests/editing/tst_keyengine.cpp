@@ -4,13 +4,12 @@
 // Box states are written with the caret as "|" and a selection in brackets:
 // "a[bc]d" selects bc. Keys: "'abc" types characters, "sp" a space, and key names (BS
 // Del Enter Ins Home End PgUp PgDn Left Right Up Down V X Y Z) with modifiers S- C- are
-// key-downs; a key-down that the engine leaves to the box logs "pass<code>".
+// key-downs; a key-down that the engine leaves to the box logs "pass<code>". Mode1 and
+// Mode0 are the host setting InsMode.
 
 #include "FakeHost.h"
 #include "common/DataRows.h"
 #include "common/TestRegistry.h"
-
-#include <QtTest/QTest>
 
 using namespace velmora::test;
 using namespace Qt::StringLiterals;
@@ -49,6 +48,8 @@ void press(Rig &rig, const QString &keys)
                 int k = c.unicode();
                 rig.engine.keyPress(k);
             }
+        } else if (word.startsWith(u"Mode")) {
+            rig.engine.setInsMode(word.endsWith(u'1'));
         } else {
             int shift = 0;
             for (; word.size() > 2 && word.at(1) == u'-'; word.remove(0, 2))
@@ -93,7 +94,6 @@ class TestKeyEngine : public QObject
 private slots:
     void keys_data();
     void keys() { check(); }
-    void insModeProperty();
 };
 
 void TestKeyEngine::keys_data()
@@ -108,6 +108,8 @@ void TestKeyEngine::keys_data()
     row("entry selects all with SelectText", "A sel", "abc", "", "[abc]", "");
     row("Insert shows the overwrite caret", "A", "a|bc", "Ins", "a[b]c", "ins1 pass45");
     row("Insert twice hides it again", "A", "a|bc", "Ins Ins", "a|bc", "ins1 pass45 ins0 pass45");
+    row("the host sets InsMode", "A", "abc", "Mode1", "[a]bc", "");
+    row("the host clears InsMode", "A", "abc", "Mode1 Mode0", "|abc", "");
     row("Insert keeps a date in overwrite", "Ddmy", "[1]2.05.2005", "Ins", "[1]2.05.2005",
         "ins1 pass45");
     row("Home", "A", "ab|c", "Home", "|abc", "");
@@ -240,17 +242,6 @@ void TestKeyEngine::keys_data()
     row("undo a date digit", "Ddmy", "  .  .    ", "'1 C-Z", "[ ] .  .    ", "");
     const QByteArray many = "'" + QByteArray(105, 'a') + QByteArray(" C-Z").repeated(101);
     row("a hundred steps are kept", "A", "|", many.constData(), "aaaaa|", "beep");
-}
-
-// The host sets InsMode: the overwrite caret shows and goes at once.
-void TestKeyEngine::insModeProperty()
-{
-    Rig rig;
-    enter(rig, u"abc"_s);
-    rig.engine.setInsMode(true);
-    QCOMPARE(marked(rig.box), u"[a]bc"_s);
-    rig.engine.setInsMode(false);
-    QCOMPARE(marked(rig.box), u"|abc"_s);
 }
 
 VELMORA_TEST(TestKeyEngine)

@@ -7,8 +7,6 @@
 #include "format/CellFormat.h"
 #include "fuzz/FormatFuzz.h"
 
-#include <QtTest/QTest>
-
 #include <random>
 
 using namespace velmora;

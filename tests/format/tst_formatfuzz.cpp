@@ -4,8 +4,6 @@
 #include "common/FuzzAreas.h"
 #include "common/TestRegistry.h"
 
-#include <QtTest/QTest>
-
 using namespace velmora::test;
 
 class TestFormatFuzz : public QObject

@@ -2,8 +2,6 @@
 #include "common/TestRegistry.h"
 #include "format/Regional.h"
 
-#include <QtTest/QTest>
-
 #include <climits>
 
 using namespace velmora;

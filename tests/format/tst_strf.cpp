@@ -3,8 +3,6 @@
 
 #include <velmora/StrF.h>
 
-#include <QtTest/QTest>
-
 #include <functional>
 #include <stdexcept>
 

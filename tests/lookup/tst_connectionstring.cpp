@@ -9,8 +9,7 @@
 
 using namespace velmora;
 using namespace velmora::detail;
-using velmora::test::columns;
-using velmora::test::row;
+using namespace velmora::test;
 
 class TestConnectionString : public QObject
 {

@@ -6,8 +6,6 @@
 #include "common/FuzzAreas.h"
 #include "common/TestRegistry.h"
 
-#include <QtTest/QTest>
-
 using namespace velmora::test;
 
 class TestListFuzz : public QObject

@@ -17,8 +17,7 @@
 
 using namespace velmora;
 using namespace velmora::detail;
-using velmora::test::columns;
-using velmora::test::row;
+using namespace velmora::test;
 using namespace Qt::StringLiterals;
 
 namespace {

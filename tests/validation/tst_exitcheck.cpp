@@ -70,10 +70,8 @@ private Q_SLOTS:
     {
         columns<Field, QString, int, int>({"field", "value", "result", "message"});
         row("landable passes empty", mode(dmLandable), "", 0, 0);
-        row("visible passes empty", mode(dmVisible), "", 0, 0);
         row("crossed out passes empty", mode(dmCrossline), "", 0, 0);
         row("changeable refuses empty", mode(dmChangeable), "", 4, 13);
-        row("master switch off: empty passes", with(masterOff, listed(-1)), "", 0, 0);
         row("master switch off: no list test", with(masterOff, listed(-1)), "x", 0, 0);
         row("invalid number", numeric, "1,2,3", 2, 11);
         row("number with thousands", numeric, "1 234,5", 0, 0);

@@ -6,7 +6,6 @@
 
 using namespace velmora::detail;
 using namespace velmora::test;
-using namespace Qt::StringLiterals;
 
 class TestMessages : public QObject
 {
@@ -44,12 +43,6 @@ private Q_SLOTS:
             VFETCH(QString, name),
             {VFETCH(bool, checkValues), VFETCH(bool, listCheck), VFETCH(bool, enableEmpty)});
         QTEST(got ? int(*got) : -1, "result");
-    }
-
-    void unknownSwitchQuotesTheNameAsPassed()
-    {
-        QCOMPARE(unknownSwitchText(u" foo "_s),
-                 u"Chyba programátora. Neznámý parametr funkce IsSet ( foo )."_s);
     }
 };
 
