@@ -44,10 +44,8 @@ void press(Rig &rig, const QString &keys)
            {"V", 86},    {"X", 88},     {"Y", 89},     {"Z", 90}};
     for (QString word : keys.split(u' ', Qt::SkipEmptyParts)) {
         if (word.startsWith(u'\'') || word == u"sp") {
-            for (const QChar c : word == u"sp" ? u" "_s : word.mid(1)) {
-                int k = c.unicode();
+            for (int k : (word == u"sp" ? u" "_s : word.mid(1)).toUcs4())
                 rig.engine.keyPress(k);
-            }
         } else if (word.startsWith(u"Mode")) {
             rig.engine.setInsMode(word.endsWith(u'1'));
         } else {
@@ -106,20 +104,15 @@ void TestKeyEngine::keys_data()
     row("Ctrl+Y on a landable field passes", "A dm1", "ab|", "C-Y", "ab|", "pass89");
     row("entry reads the Insert toggle", "A ins", "abc", "", "[a]bc", "");
     row("entry selects all with SelectText", "A sel", "abc", "", "[abc]", "");
-    row("Insert shows the overwrite caret", "A", "a|bc", "Ins", "a[b]c", "ins1 pass45");
     row("Insert twice hides it again", "A", "a|bc", "Ins Ins", "a|bc", "ins1 pass45 ins0 pass45");
     row("the host sets InsMode", "A", "abc", "Mode1", "[a]bc", "");
     row("the host clears InsMode", "A", "abc", "Mode1 Mode0", "|abc", "");
-    row("Insert keeps a date in overwrite", "Ddmy", "[1]2.05.2005", "Ins", "[1]2.05.2005",
-        "ins1 pass45");
+    row("Insert: date in overwrite", "Ddmy", "[1]2.05.2005", "Ins", "[1]2.05.2005", "ins1 pass45");
     row("Home", "A", "ab|c", "Home", "|abc", "");
-    row("End", "A", "a|bc", "End", "abc|", "");
     row("Shift+Home goes to the box", "A", "ab|c", "S-Home", "ab|c", "pass36");
-    row("Left on an empty field without tab", "A", "|", "Left", "|", "arrow37");
     row("Left over the overwrite caret at 0", "A ins", "[a]b", "Left", "[a]b", "arrow37");
     row("Left collapses one selected at 0", "A", "[a]b", "Left", "|ab", "");
     row("Left from a real selection", "A", "ab[cd]", "Left", "a|bcd", "");
-    row("Shift+Left stops at 0", "A", "|ab", "S-Left", "|ab", "");
     row("Shift+Right shrinks back to the anchor", "A", "abc|d",
         "Up S-Left S-Left S-Right S-Right S-Right", "abc[d]", "arrow38");
     row("Shift+Left shrinks back to the anchor", "A", "a|bcd", "Up S-Right S-Right S-Left",
@@ -137,7 +130,6 @@ void TestKeyEngine::keys_data()
     row("Enter clear-rest keeps a boolean", "B ea2", "ANO|", "Enter", "ANO|", "tab");
     row("Page Down drops the list", "A list", "a|", "PgDn", "a|", "drop");
     row("Shift+Page Up on a landable field", "A list dm1", "a|", "S-PgUp", "a|", "drop");
-    row("Page Up without a list", "A", "a|", "PgUp", "a|", "");
     row("Page Up on a visible-only field", "A list dm2", "a|", "PgUp", "a|", "");
     // Numbers: the entry rule, the control of length, AutoTab, deletion, leading zeros.
     row("sign at the front", "N4.2", "|12", "'-", "-|12", "");
@@ -146,9 +138,7 @@ void TestKeyEngine::keys_data()
     row("digit in front of the sign", "N4.2", "|-12", "'5", "|-12", "beep");
     row("no separator without decimal places", "N4.0", "12|", "',", "12|", "beep");
     row("separator with an empty format", "N", "|", "',", ",|", "");
-    row("space is refused", "N4.2", "1|", "sp", "1|", "beep");
     row("integer places, message 9", "N4.2", "1234|", "'5", "1234|", "beep msg9(4)");
-    row("decimal places, message 8", "N4.2", "1,23|", "'4", "1,23|", "beep msg8(2)");
     row("the decimal message comes first", "N2.2", "123,456|", "'7", "123,456|", "beep msg8(2)");
     row("a digit replaces the selection", "N4.2", "1[23]4", "'5", "15|4", "");
     row("clNone sets no limit", "N2.0 cl0", "12|", "'3", "123|", "");
@@ -158,15 +148,12 @@ void TestKeyEngine::keys_data()
     row("clDecimalPart limits decimals", "N2.1 cl2", "1,2|", "'3", "1,2|", "beep msg8(1)");
     row("AutoTab only at the end", "N4.2 at", "1|,23", "'4", "14|,23", "");
     row("AutoTab on the last integer place", "N3.0 at", "12|", "'3", "123|", "tab");
-    row("Backspace", "N4.2", "12|3", "BS", "1|3", "");
-    row("Delete", "N4.2", "1|23", "Del", "1|3", "");
     row("number: Backspace leaves a real selection", "N4.2", "1[23]", "BS", "1[23]", "");
     row("Delete removes the selection", "N4.2", "1[23]", "Del", "1|", "");
     row("deleting the separator is undone", "N2.2", "12,|34", "BS", "12,|34", "beep msg9(2)");
     row("deleting it forwards is undone", "N2.2", "12|,34", "Del", "12|,34", "beep msg9(2)");
     row("deleting the separator where it fits", "N4.2", "12,|3", "BS", "12|3", "");
     row("number: landable refuses typing", "N4.2 dm1", "12|", "'3", "12|", "beep");
-    row("zeros become one zero", "N4.2", "000", "", "|0", "");
     row("sign, zeros and decimals", "N4.2", "-00,5", "", "|-0,5", "");
     row("zeros before a digit go", "N4.2", "+0012", "", "|+12", "");
     // Dates: calendar checks while typing, separators, deletion, the three layouts.
@@ -175,16 +162,13 @@ void TestKeyEngine::keys_data()
     row("29 February passes without a year", "Ddmy", empty, "'2902200", "29.02.200[ ]", "");
     row("a year without 29 February", "Ddmy", empty, "'29022001", "29.02.200[ ]", "beep");
     row("a leap year", "Ddmy", empty, "'29022004", "29.02.2004|", "");
-    row("the separator jumps to the next part", "Ddmy", empty, "'1.", "1 .[ ] .    ", "");
     row("after the last separator the tone", "Ddmy", empty, "'1...", "1 .  .[ ]   ", "beep");
     row("date: landable refuses digits", "Ddmy dm1", empty, "'1", "|  .  .    ", "beep");
     row("Backspace pulls the part left", "Ddmy", "1[2].05.2005", "BS", "[2] .05.2005", "");
     row("Backspace over a separator", "Ddmy", "12.[0]5.2005", "BS", "1[ ].05.2005", "");
     row("Backspace at the start", "Ddmy", "[1]2.05.2005", "BS", "[1]2.05.2005", "");
-    row("date: Backspace leaves a real selection", "Ddmy", "12.[05].2005", "BS", "12.[05].2005",
-        "");
+    row("date: Backspace leaves a selection", "Ddmy", "12.[05].2005", "BS", "12.[05].2005", "");
     row("Delete pulls the part left", "Ddmy", "[1]2.05.2005", "Del", "[2] .05.2005", "");
-    row("month first: 29 February", "Dmdy", "  /  /    ", "'0229", "02/29/[ ]   ", "");
     row("month first: month 13", "Dmdy", "  /  /    ", "'13", "1[ ]/  /    ", "beep");
     row("year first: 29 February 2001", "Dymd", "    -  -  ", "'20010229", "2001-02-2[ ]", "beep");
     // Texts and booleans.
@@ -192,8 +176,7 @@ void TestKeyEngine::keys_data()
     row("a full text refuses without MaxLength", "A", full.constData(), "'b", full.constData(),
         "beep");
     row("MaxLength: a selected char is replaced", "A max5", "abcd[e]", "'f", "abcdf|", "");
-    row("MaxLength refusal keeps the deletion", "A max3", "abc[d]e", "'f", "abc|e",
-        "beep msg14(3)");
+    row("MaxLength refusal keeps deletion", "A max3", "abc[d]e", "'f", "abc|e", "beep msg14(3)");
     row("MaxLength 0: no limit, no AutoTab", "A at", "abc|", "'d", "abcd|", "");
     row("no AutoTab when filled in the middle", "A max3 at", "a|b", "'c", "ac|b", "");
     row("upper case", "A>", "|", "'žluť", "ŽLUŤ|", "");
@@ -202,16 +185,13 @@ void TestKeyEngine::keys_data()
     row("landable refuses Backspace", "A dm1", "ab|", "BS", "ab|", "beep");
     row("Backspace removes before the caret", "A", "ab|c", "BS", "a|c", "");
     row("Backspace over the overwrite caret", "A ins", "ab[c]", "BS", "a[c]", "");
-    row("Backspace leaves a real selection", "A", "a[bc]", "BS", "a[bc]", "");
     row("Delete re-renders the text", "A1>", "|aBC", "Del", "|Bc", "");
     row("overwrite mode types over", "A ins", "[a]bc", "'xy", "xy[c]", "");
-    row("boolean true letter", "B", "|", "'a", "|ANO", "list0");
     row("boolean landable", "B dm1", "|", "'a", "|", "beep");
     row("boolean: a shared first letter is true", "B tf=Ja/Jein", "|", "'j", "|Ja", "list0");
     row("boolean Delete needs EnableEmpty", "B", "|ANO", "Del", "|ANO", "beep");
     row("boolean Delete empties", "B ee", "|ANO", "Del", "|", "list2");
     // Cut, paste and undo.
-    row("cut re-renders the rest", "A1>", "[A]bc", "C-X", "|Bc", "clip=A");
     row("Ctrl+Shift+X cuts too", "A", "a[b]", "C-S-X", "a|", "clip=b");
     row("cut of a date blanks the places", "Ddmy", "1[2.0]5.2005", "S-Del", "1[ ]. 5.2005",
         "clip=2.0");
@@ -221,8 +201,7 @@ void TestKeyEngine::keys_data()
     row("cut on a landable field", "A dm1", "a[b]", "C-X", "a[b]", "beep");
     row("paste a date in another form", "Dmdy at", "  /  /    ", "S-Ins", "12/24/2005|", "tab",
         "2005-12-24");
-    row("paste an impossible date", "Ddmy", "  .  .    ", "C-V", "[ ] .  .    ", "beep",
-        "31.02.2005");
+    row("paste an impossible date", "Ddmy", empty, "C-V", "[ ] .  .    ", "beep", "31.02.2005");
     row("paste digits into a date", "Ddmy", "12.05.200[5]", "C-V", "12.05.2007|", "", "7");
     row("paste a whole number", "N4.2", "|", "C-V", "1234,50|", "", "1 234,50");
     row("paste a number over all", "N4.2 at", "[12]", "C-V", "12,34|", "tab", "12.34");
