@@ -67,9 +67,6 @@ private slots:
     {
         columns<int, QString, QString, QString, QString>({"type", "format", "des", "tis", "dat"});
         const int n = itNum, d = itDate;
-        row("grouped", n, "#,##0.00", "", "", "");
-        row("integer", n, "0", "", "", "");
-        row("three decimals", n, "0.000", "", "", "");
         row("negative section", n, "#,##0;(#,##0)", "", "", "");
         row("zero section", n, "0.0#;-0.0;\"nil\"", "", "", "");
         row("empty first section", n, ";0.0", "", "", "");
@@ -81,11 +78,8 @@ private slots:
         row("point last, configured", n, "0.", ".", ",", "");
         row("placeholder configured", n, "#,##0.0", "\u016f", "'", "");
         row("separators as literals", n, "#,##0.0\" ,,..\u016f\u016f\u00a0\u00a0\"0", ",", "#", "");
-        row("dotted date", d, "dd.mm.yyyy", "", "", "");
         row("short date", d, "d/m/yy", "", "", "");
         row("month first", d, "mm/dd/yyyy", "", "", "");
-        row("iso", d, "yyyy-mm-dd", "", "", "");
-        row("regional", d, "", "", "", "");
         row("regional, own separator", d, "", "", "", "-");
         row("slashes, own separator", d, "dd/mm/yy", "", "", ".");
     }
@@ -105,10 +99,8 @@ private slots:
             // The field's own date format gives the empty-date text the list pads to.
             ParsedFormat pf;
             QString parsed = type == itNum ? format : QStringLiteral("dd/mm/yyyy");
-            if (type == itNum)
-                parseNumFormat(pf, parsed, rs, seps);
-            else
-                parseDateFormat(pf, parsed, 0, rs, seps);
+            type == itNum ? parseNumFormat(pf, parsed, rs, seps)
+                          : parseDateFormat(pf, parsed, 0, rs, seps);
             const ValueFormat vf {type, format, &pf, {}, 1, atLeftRight, rs}; // a list's cell
             const CellFormat cell(vf);
             for (int i = 0; i < 4000; ++i) {

@@ -51,14 +51,11 @@ private Q_SLOTS:
         const int n = itNum, d = itDate, b = itBool;
         // The configured separators are the regional ones swapped: the placeholder pass
         // keeps them apart, and reading back gives the regional form.
-        row("number, swapped separators", n, "#,##0.00", ".", ",", none, "1234,5", "1,234.50",
-            "1 234,50");
-        row("number that is no number stays", n, "0.00", none, none, none, "12abc", "12abc",
-            "12abc");
-        row("date, own separator", d, none, none, none, "-", "24.12.2005", "24-12-2005",
-            "24.12.2005");
-        row("date, month first", d, "mm/dd/yyyy", none, none, none, "24.12.2005", "12.24.2005",
-            "24.12.2005");
+        row("swapped separators", n, "#,##0.00", ".", ",", none, "1234,5", "1,234.50", "1 234,50");
+        row("no number stays", n, "0.00", none, none, none, "12abc", "12abc", "12abc");
+        const QString xmas = u"24.12.2005"_s;
+        row("date, own separator", d, none, none, none, "-", xmas, "24-12-2005", xmas);
+        row("date, month first", d, "mm/dd/yyyy", none, none, none, xmas, "12.24.2005", xmas);
         row("bool true by letter", b, "ANO;NE;N", none, none, none, "Yes", "ANO", "-1");
         row("bool numeric zero", b, "ANO;NE;B", none, none, none, "0", "NE", "False");
     }
@@ -101,7 +98,6 @@ private Q_SLOTS:
     void completeDate_data()
     {
         columns<QString, QString, QString>({"format", "text", "completed"}); // "": cannot be
-        row("short year widened to 20xx", none, " 1. 2.5   ", "01.02.2005");
         row("29 is 2029", none, " 1. 2.29  ", "01.02.2029");
         row("30 is 1930", none, " 1. 2.30  ", "01.02.1930");
         row("year 100 kept", none, "01.01. 100", "01.01.0100");
