@@ -113,14 +113,12 @@ void TestKeyEngine::keys_data()
     row("Left over the overwrite caret at 0", "A ins", "[a]b", "Left", "[a]b", "arrow37");
     row("Left collapses one selected at 0", "A", "[a]b", "Left", "|ab", "");
     row("Left from a real selection", "A", "ab[cd]", "Left", "a|bcd", "");
-    row("Shift+Right shrinks back to the anchor", "A", "abc|d",
-        "Up S-Left S-Left S-Right S-Right S-Right", "abc[d]", "arrow38");
-    row("Shift+Left shrinks back to the anchor", "A", "a|bcd", "Up S-Right S-Right S-Left",
-        "a[b]cd", "arrow38");
+    row("Shift+Right to the anchor", "A", "abc|d", "Up S-Left S-Left S-Right S-Right S-Right",
+        "abc[d]", "arrow38");
+    row("Shift+Left to the anchor", "A", "a|bcd", "Up S-Right S-Right S-Left", "a[b]cd", "arrow38");
     row("Right at the end is an arrow action", "A aa1", "ab|", "Right", "ab|", "arrow39 tab");
     row("Right with all selected goes to the box", "A", "[ab]", "Right", "[ab]", "pass39");
-    row("Up and Down with aaUpDownTab", "A aa2", "a|b", "Up Down", "a|b",
-        "arrow38 backtab arrow40 tab");
+    row("Up, Down: aaUpDownTab", "A aa2", "a|b", "Up Down", "a|b", "arrow38 backtab arrow40 tab");
     row("Up and Down with aaLeftRightTab", "A aa1", "a|b", "Up Down", "a|b", "arrow38 arrow40");
     row("Shift+Up goes to the box", "A aa3", "a|b", "S-Up", "a|b", "pass38");
     row("Enter with eaDefault is swallowed", "A", "a|b", "Enter", "a|b", "");
@@ -193,11 +191,9 @@ void TestKeyEngine::keys_data()
     row("boolean Delete empties", "B ee", "|ANO", "Del", "|", "list2");
     // Cut, paste and undo.
     row("Ctrl+Shift+X cuts too", "A", "a[b]", "C-S-X", "a|", "clip=b");
-    row("cut of a date blanks the places", "Ddmy", "1[2.0]5.2005", "S-Del", "1[ ]. 5.2005",
-        "clip=2.0");
+    row("cut of a date blanks", "Ddmy", "1[2.0]5.2005", "S-Del", "1[ ]. 5.2005", "clip=2.0");
     row("cut that breaks the places", "N2.2", "12[,]34", "C-X", "12[,]34", "beep beep msg9(2)");
     row("cut of digits", "N2.2", "1[2],34", "C-X", "1|,34", "clip=2");
-    row("cut of a whole boolean", "B ee", "[ANO]", "C-X", "|", "list2 clip=ANO");
     row("cut on a landable field", "A dm1", "a[b]", "C-X", "a[b]", "beep");
     row("paste a date in another form", "Dmdy at", "  /  /    ", "S-Ins", "12/24/2005|", "tab",
         "2005-12-24");

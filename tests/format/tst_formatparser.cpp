@@ -1,5 +1,5 @@
 // Format strings: the places a number format counts, the code-page check of text
-// formats, the default bool format and the limit of long formats.
+// formats and the limit of long formats.
 
 #include "common/TestPlatform.h"
 #include "common/TestRegistry.h"
@@ -48,14 +48,6 @@ private Q_SLOTS:
         const int message = VFETCH(int, message);
         QCOMPARE(checkAlfaNumFormat(format), message);
         QCOMPARE(format, message ? QString() : before);
-    }
-
-    void defaultBoolFormat()
-    {
-        QString format;
-        BoolFormat bf;
-        parseBoolFormat(bf, format);
-        QCOMPARE(format, u"ANO;NE;A"_s);
     }
 };
 
