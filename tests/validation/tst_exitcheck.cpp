@@ -79,7 +79,6 @@ private Q_SLOTS:
         row("empty date value refused", date(EmptyDate), "", 4, 13);
         row("date read from the field's value", date("31.02.2026", ""), "31.02.2026", 3, 12);
         row("valid date", date("01.02.2026", "01.02.2026"), "01.02.2026", 0, 0);
-        row("list: no row", listed(-1), "x", 1, 10);
         row("list: empty and no row is not in the list", listed(-1), "", 1, 10);
         row("list: empty allowed", listed(-1, false, u'A', true), "", 0, 0);
         row("list: new-item row is no choice", listed(0, true), "x", 1, 10);

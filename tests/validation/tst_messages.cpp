@@ -18,11 +18,9 @@ private Q_SLOTS:
     {
         columns<int, QString, QString>({"number", "value", "text"});
         row("value in parentheses", 6, "x,1", "Neplatně zadaná numerická hodnota (x,1).");
-        row("value as a count", 14, "5", "Do tohoto pole nelze vložit více než 5 znaků.");
         row("no place for the value", 13, "x", "Pole musí obsahovat nějakou hodnotu.");
         row("0 is no message", 0, "x", QString());
         row("past the last", 15, "x", QString());
-        row("negative", -1, "x", QString());
     }
     void texts() { QTEST(messageText(VFETCH(int, number), VFETCH(QString, value)), "text"); }
 
