@@ -157,22 +157,19 @@ void TestKeyEngine::keys_data()
     // Dates: calendar checks while typing, separators, deletion, the three layouts.
     const char *empty = "  .  .    ";
     row("31 February is refused", "Ddmy", empty, "'3102", "31.0[ ].    ", "beep");
-    row("29 February passes without a year", "Ddmy", empty, "'2902200", "29.02.200[ ]", "");
     row("a year without 29 February", "Ddmy", empty, "'29022001", "29.02.200[ ]", "beep");
     row("a leap year", "Ddmy", empty, "'29022004", "29.02.2004|", "");
     row("after the last separator the tone", "Ddmy", empty, "'1...", "1 .  .[ ]   ", "beep");
     row("date: landable refuses digits", "Ddmy dm1", empty, "'1", "|  .  .    ", "beep");
     row("Backspace pulls the part left", "Ddmy", "1[2].05.2005", "BS", "[2] .05.2005", "");
     row("Backspace over a separator", "Ddmy", "12.[0]5.2005", "BS", "1[ ].05.2005", "");
-    row("Backspace at the start", "Ddmy", "[1]2.05.2005", "BS", "[1]2.05.2005", "");
     row("date: Backspace leaves a selection", "Ddmy", "12.[05].2005", "BS", "12.[05].2005", "");
     row("Delete pulls the part left", "Ddmy", "[1]2.05.2005", "Del", "[2] .05.2005", "");
     row("month first: month 13", "Dmdy", "  /  /    ", "'13", "1[ ]/  /    ", "beep");
     row("year first: 29 February 2001", "Dymd", "    -  -  ", "'20010229", "2001-02-2[ ]", "beep");
     // Texts and booleans.
     const QByteArray full = "|" + QByteArray(32767, 'a'); // the longest text there is
-    row("a full text refuses without MaxLength", "A", full.constData(), "'b", full.constData(),
-        "beep");
+    row("full text, no MaxLength", "A", full.constData(), "'b", full.constData(), "beep");
     row("MaxLength: a selected char is replaced", "A max5", "abcd[e]", "'f", "abcdf|", "");
     row("MaxLength refusal keeps deletion", "A max3", "abc[d]e", "'f", "abc|e", "beep msg14(3)");
     row("MaxLength 0: no limit, no AutoTab", "A at", "abc|", "'d", "abcd|", "");

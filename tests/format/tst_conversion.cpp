@@ -82,7 +82,6 @@ private Q_SLOTS:
         row("impossible date", d, none, "31.02.2005", none, false, QVariant());
         row("bool B", b, "ANO;NE;B", "ANO", "True", false, QVariant(true));
         row("bool A", b, "ANO;NE;A", "ANO", "A", false, QVariant("A"));
-        row("bool text not of the format", b, "ANO;NE;A", "JA", none, false, QVariant());
     }
     void sqlAndTyped()
     {

@@ -99,13 +99,11 @@ private slots:
     }
     void throws()
     {
-        QFETCH(StrFCall, call);
-        QFETCH(bool, overflow);
         StrF s;
-        if (overflow)
-            QVERIFY_THROWS_EXCEPTION(std::overflow_error, call(s));
+        if (VFETCH(bool, overflow))
+            QVERIFY_THROWS_EXCEPTION(std::overflow_error, VFETCH(StrFCall, call)(s));
         else
-            QVERIFY_THROWS_EXCEPTION(std::invalid_argument, call(s));
+            QVERIFY_THROWS_EXCEPTION(std::invalid_argument, VFETCH(StrFCall, call)(s));
     }
 };
 
